@@ -1,0 +1,147 @@
+// Construction of a triangulation, insertion of single points, the start, reading and settings.
+// Bulk insertion is in Dt2_bulk.cpp, what happens to triangles in Dt2_location.cpp.
+
+#include "Dt2.h"
+
+#include "messages.h"
+
+#include <algorithm>
+#include <cmath>
+#include <thread>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+// A block of the pools is at most this many records; the numbers bound one allocation.
+constexpr int maxVerticesPerBlock = 3125000;
+constexpr int maxTrianglesPerBlock = 4166666;
+constexpr std::size_t flipStackReserve = 64;
+constexpr unsigned hilbertBits = 30;
+
+int toBlockSize(double numRecords) noexcept {
+    return static_cast<int>(std::min(numRecords, 2147483647.0));
+}
+
+} // namespace
+
+Dt2::Dt2(unsigned numExpectedVertices)
+    : hilbert(0.0, 0.0, 0.0, 0.0, hilbertBits), vertexVault(vertexPool, hilbert, quorTest, numCPU),
+      bbox(&quorTest), progress("DT2") {
+    const unsigned numExpected = std::max(3U, numExpectedVertices);
+    vertexPool.init(toBlockSize(numExpected), maxVerticesPerBlock);
+    trianglePool.init(toBlockSize(2.0 * numExpected + 10.0), maxTrianglesPerBlock);
+    vFlipStack.reserve(flipStackReserve);
+}
+
+Dt2::~Dt2() = default;
+
+// --- single points ----------------------------------------------------------------------------------------
+
+/// To be called when the box has grown. Doubling it keeps this rare: a point inside the doubled box costs
+/// nothing.
+void Dt2::followBoxGrowth() {
+    bbox.doubleTheBox(); // and with it the filter of quorTest
+    hilbert = HC2(bbox.get_minX(), bbox.get_minY(), bbox.get_maxX(), bbox.get_maxY(), hilbertBits);
+    vertexVault.rekey();
+}
+
+Point2* Dt2::insertPoint(const Point2& p) {
+    if (!std::isfinite(p.x()) || !std::isfinite(p.y())) {
+        printError("Dt2::insert()", "a coordinate is not finite, the point is not inserted");
+        return nullptr;
+    }
+    if (bbox.add(p)) followBoxGrowth();
+    if (!is2D()) {
+        if (Point2* pExisting = vertexVault.findWaiting(p)) return pExisting;
+    }
+    Point2* pVtx = vertexVault.makeVertex(p);
+    const std::uint32_t key = hilbert.getIdx(p);
+    if (!is2D()) {
+        vertexVault.addVertex(key, pVtx);
+        startTriangulation(0);
+        // Vertices that had to wait through a bulk insertion may turn out to be duplicates only now.
+        vertexVault.fixDuplicates(nullptr);
+        return pVtx;
+    }
+    Triangle2* pStart = vertexVault.getCloT(key);
+    vertexVault.addVertex(key, pVtx);
+    insertVertex(pVtx, pStart);
+    if (!vertexVault.dupIsClean()) return vertexVault.resolveDuplicate(pVtx);
+    vertexVault.sortIfNeeded(true);
+    return pVtx;
+}
+
+/// The first triangle from three vertices that are not collinear, and then all that wait: the first
+/// numPreExistingVtx of the index before the others. False, and nothing changed, if there is no such triple.
+bool Dt2::startTriangulation(std::size_t numPreExistingVtx) {
+    KELM_CHECK(!vertexVault.isFullDimensional());
+    Point2 *a = nullptr, *b = nullptr, *c = nullptr;
+    if (!vertexVault.getFirstTriple(a, b, c)) return false;
+    vertexVault.setFullDimensional(true);
+    Triangle2* pFirst = createTriangle(a, b, c);
+    VertexVault::EntryIterator startIt, stopIt;
+    vertexVault.getRange(0, startIt, stopIt);
+    KELM_CHECK(numPreExistingVtx <= (size_t)distance(startIt, stopIt));
+    // The three corners are met again among the entries and recognised as already present.
+    const auto middle = startIt + static_cast<std::ptrdiff_t>(numPreExistingVtx);
+    if (startIt != middle) insertRange(startIt, middle, pFirst);
+    if (middle != stopIt) insertRange(middle, stopIt, pFirst);
+    return true;
+}
+
+Triangle2* Dt2::createTriangle(Point2* a, Point2* b, Point2* c) {
+    Triangle2* pT;
+    if (vDeadTriangles.empty()) {
+        pT = trianglePool.allocate();
+    } else {
+        pT = vDeadTriangles.back();
+        vDeadTriangles.pop_back();
+    }
+    pT->setProperties(a, b, c);
+    return pT;
+}
+
+/// A triangle in use has corners; a cleared one waits for its next use.
+void Dt2::recycleTriangle(Triangle2* pT) {
+    pT->clearProperties();
+    vDeadTriangles.push_back(pT);
+}
+
+// --- reading and settings ---------------------------------------------------------------------------------
+
+unsigned Dt2::numberOfTriangles() const {
+    const std::size_t numAllT = trianglePool.size(), numDeadT = vDeadTriangles.size();
+    KELM_CHECK(numDeadT <= numAllT);
+    return static_cast<unsigned>(numAllT - numDeadT);
+}
+
+void Dt2::getTrianglePointers(std::vector<Triangle2*>& vTriangles) const {
+    vTriangles.clear();
+    if (!is2D()) return;
+    vTriangles.reserve(numberOfTriangles());
+    trianglePool.forEach([&](Triangle2& t) {
+        if (t.getCorner(0) != nullptr) vTriangles.push_back(&t);
+    });
+}
+
+void Dt2::getVertexPointers(std::vector<Point2*>& vVertices) const {
+    vertexVault.getVertexPointers(vVertices);
+}
+
+int Dt2::setNumCPU(int numCPU_) {
+    if (numCPU_ > 0) {
+        numCPU = numCPU_;
+    } else if (numCPU_ < 0) {
+        numCPU = 1;
+    } else {
+        numCPU = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    }
+    return numCPU;
+}
+
+void Dt2::setDev(const std::string& key, int iValue, double dValue) {
+    mDevSettings[key] = std::make_pair(iValue, dValue);
+}
+
+} // namespace QUOR_KELM25D

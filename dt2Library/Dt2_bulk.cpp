@@ -1,0 +1,181 @@
+// Insertion of many points at once: order, start triangles, the frame of far corners, duplicates.
+// One vertex enters the mesh in Dt2_location.cpp; keys and sorting belong to VertexVault.
+//
+// The vertices are inserted in a balanced bisection of their Hilbert order: the middle one first, then the
+// left half, then the right half, so that each starts its walk at a triangle close by.
+
+#include "Dt2.h"
+
+#include "messages.h"
+
+#include <kelm25d/timer.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr std::ptrdiff_t minBisection = 16; // shorter ranges are inserted in order
+constexpr double frameFactor = 1.01;        // size of the frame relative to the box
+
+template <class IsFinite>
+bool areAllFinite(std::size_t n, const IsFinite& isFinite) {
+    bool bAll = true;
+    for (std::size_t i = 0; i < n; ++i) {
+        bAll &= isFinite(i);
+    }
+    return bAll;
+}
+
+void reportNotFinite() {
+    printError("Dt2::insert()", "a coordinate is not finite, none of the points is inserted");
+}
+
+/// The corner of pT at the place of q, which is known to have one.
+const Point2* cornerAt(const Triangle2* pT, const Point2* q) noexcept {
+    for (int i = 0; i < 2; ++i) {
+        if (*pT->getCorner(i) == *q) return pT->getCorner(i);
+    }
+    return pT->getCorner(2);
+}
+
+} // namespace
+
+void Dt2::insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHandles) {
+    if (pvHandles != nullptr) pvHandles->assign(v.size(), nullptr);
+    if (v.empty()) return;
+    if (!areAllFinite(v.size(),
+                      [&](std::size_t i) { return std::isfinite(v[i].x()) & std::isfinite(v[i].y()); })) {
+        reportNotFinite();
+        return;
+    }
+    KELM_CHECK(vertexVault.dupIsClean());
+    if (bbox.add(v.begin(), v.end())) followBoxGrowth();
+    const bool bFramed = numCPU > 1 && createFakeBox();
+    insertBulk("insert vertices", v.size(), pvHandles,
+               [&](std::size_t& firstIdx) { vertexVault.addVertices(v, pvHandles, firstIdx); });
+    if (bFramed) removeFakeBox();
+}
+
+void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandles) {
+    if (numPoints <= 0) return;
+    const std::size_t n = static_cast<std::size_t>(numPoints);
+    std::vector<Point2*> vHandles(n, nullptr);
+    if (!areAllFinite(n, [&](std::size_t i) {
+            return std::isfinite(aCoordinates[3 * i]) & std::isfinite(aCoordinates[3 * i + 1]);
+        })) {
+        reportNotFinite();
+    } else if (numCPU >= 2 && numPoints >= 1000) {
+        std::vector<Point2> v;
+        v.reserve(n);
+        for (const double* p = aCoordinates; p != aCoordinates + 3 * n; p += 3) {
+            v.emplace_back(p[0], p[1], p[2]);
+        }
+        insertVector(v, &vHandles);
+    } else {
+        KELM_CHECK(vertexVault.dupIsClean());
+        if (bbox.add(static_cast<unsigned>(numPoints), const_cast<double*>(aCoordinates))) followBoxGrowth();
+        insertBulk("insert", n, &vHandles, [&](std::size_t& firstIdx) {
+            vertexVault.addVertices(numPoints, aCoordinates, &vHandles, firstIdx);
+        });
+    }
+    std::copy(vHandles.begin(), vHandles.end(), aHandles);
+}
+
+/// What all bulk insertions do once the box fits: addVertices(firstIdx) fills the vault.
+template <class AddVertices>
+void Dt2::insertBulk(const char* label, std::size_t numPoints, std::vector<Point2*>* pvHandles,
+                     const AddVertices& addVertices) {
+    const double n = static_cast<double>(numPoints);
+    progress.begin(label, static_cast<int>(std::min(1.1 * n, 2147483647.0)));
+    std::size_t firstIdx = 0;
+    addVertices(firstIdx);
+    progress.advance(static_cast<int>(0.1 * n));
+    if (is2D()) {
+        VertexVault::EntryIterator first, last;
+        vertexVault.getRange(firstIdx, first, last);
+        insertRange(first, last, vertexVault.getCloT(first->hcKey));
+    } else {
+        startTriangulation(firstIdx);
+    }
+    vertexVault.fixDuplicates(pvHandles);
+    KELM_CHECK(vertexVault.dupIsClean());
+    vertexVault.sortIfNeeded(true);
+    progress.finish();
+}
+
+void Dt2::insertRange(VertexVault::EntryIterator first, VertexVault::EntryIterator last, Triangle2* pHint) {
+    insertRangeSequential(first, last, pHint);
+}
+
+void Dt2::insertRangeSequential(VertexVault::EntryIterator first, VertexVault::EntryIterator last,
+                                Triangle2* pHint) {
+    if (last - first < minBisection) {
+        for (; first != last; ++first) {
+            pHint = insertVertex(first->pVtx, pHint);
+        }
+        return;
+    }
+    const VertexVault::EntryIterator middle = first + (last - first) / 2;
+    pHint = insertVertex(middle->pVtx, pHint);
+    // A duplicate has no triangle: the vertex in its place stands for it.
+    const Point2* pVtx = middle->pVtx;
+    if (pVtx->getIncidentTriangle() == nullptr) pVtx = cornerAt(pHint, pVtx);
+    insertRangeSequential(first, middle, pHint);
+    Triangle2* pIncT = pVtx->getIncidentTriangle();
+    KELM_CHECK(pIncT != NULL);
+    insertRangeSequential(middle + 1, last, pIncT);
+}
+
+double Dt2::measureTriangulationTime(const std::vector<Point2>& v) const {
+    static const std::string label = "[quiet] Delaunay point insertion";
+    Dt2* pTemporary = new Dt2(3);
+    timer(label);
+    pTemporary->setNumCPU(numCPU);
+    pTemporary->insertVector(v);
+    const double elapsed = timer(label);
+    delete pTemporary;
+    return elapsed;
+}
+
+// --- the frame --------------------------------------------------------------------------------------------
+
+/// Surrounds the box with four far corners, so that no thread ever meets the hull. False, and nothing done,
+/// for a box without area or beyond the range of doubles: such points are inserted as with one thread.
+bool Dt2::createFakeBox() {
+    Bbox2 frame = bbox; // a copy stays wired to quorTest: the filter has to cover the corners
+    frame.enlargeRanges(frameFactor);
+    if (!(frame.getRangeX() > 0.0 && frame.getRangeY() > 0.0) || !std::isfinite(frame.getRangeX()) ||
+        !std::isfinite(frame.getRangeY())) {
+        return false;
+    }
+    vertexVault.createFakeCorners(frame);
+    if (is2D()) {
+        for (std::size_t i = 0; i < 4; ++i) {
+            Point2* pCorner = vertexVault.getFakeCorner(i);
+            insertVertex(pCorner, vertexVault.getCloT(hilbert.getIdx(*pCorner)));
+        }
+        return true;
+    }
+    vertexVault.setFullDimensional(true);
+    Point2* aCorner[4];
+    for (std::size_t i = 0; i < 4; ++i) {
+        aCorner[i] = vertexVault.getFakeCorner(i);
+    }
+    Triangle2* pT0 = createTriangle(aCorner[0], aCorner[1], aCorner[2]);
+    Triangle2* pT1 = createTriangle(aCorner[0], aCorner[2], aCorner[3]);
+    pT0->setOppTriangle(1, pT1);
+    pT1->setOppTriangle(2, pT0);
+    return true;
+}
+
+void Dt2::removeFakeBox() {
+    for (std::size_t i = 0; i < 4; ++i) {
+        remove(vertexVault.getFakeCorner(i), false);
+    }
+    vertexVault.deleteFakeCorners();
+}
+
+} // namespace QUOR_KELM25D

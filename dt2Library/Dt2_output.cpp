@@ -1,0 +1,68 @@
+// The mesh as a Wavefront OBJ file.
+// Reading and writing of plain points is in dataFiles.cpp.
+
+#include "Dt2.h"
+
+#include "messages.h"
+
+#include <charconv>
+#include <fstream>
+#include <unordered_map>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr std::size_t flushSize = 1 << 16;
+
+template <class Number>
+void append(std::string& text, Number number) {
+    char aDigits[32]; // the shortest text that reads back as the same number
+    const auto end = std::to_chars(aDigits, aDigits + sizeof aDigits, number);
+    text.append(aDigits, end.ptr);
+}
+
+} // namespace
+
+void Dt2::writeObj(const std::string& filename) const {
+    if (!is2D()) {
+        printError("Dt2::show()", "The triangulation is not full dimensional yet, no visualization");
+        return;
+    }
+    std::vector<Triangle2*> vTriangles;
+    getTrianglePointers(vTriangles);
+    std::ofstream file(filename);
+    std::string text;
+    const auto flush = [&](std::size_t limit) {
+        if (text.size() <= limit) return;
+        file.write(text.data(), static_cast<std::streamsize>(text.size()));
+        text.clear();
+    };
+
+    std::unordered_map<const Point2*, std::size_t> mNumber;
+    mNumber.reserve(vertexVault.numberOfPoints());
+    for (const Triangle2* pT : vTriangles) {
+        for (const Point2* pCorner : pT->aCorner) {
+            if (!mNumber.emplace(pCorner, mNumber.size() + 1).second) continue;
+            text += 'v';
+            for (double coordinate : {pCorner->x(), pCorner->y(), pCorner->z()}) {
+                text += ' ';
+                append(text, coordinate);
+            }
+            text += '\n';
+            flush(flushSize);
+        }
+    }
+    for (const Triangle2* pT : vTriangles) {
+        text += 'f';
+        for (const Point2* pCorner : pT->aCorner) {
+            text += ' ';
+            append(text, mNumber[pCorner]);
+        }
+        text += '\n';
+        flush(flushSize);
+    }
+    flush(0);
+}
+
+} // namespace QUOR_KELM25D

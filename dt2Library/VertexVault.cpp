@@ -1,0 +1,499 @@
+// The vertex index: filling, searching, sorting, and the settling of duplicates.
+// The order along the curve is made in hilbertSort.cpp.
+
+#include "VertexVault.h"
+
+#include "MTCtrl.h"
+#include "messages.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+#include <memory>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr std::size_t minParallelKeys = 1000; // points, and at least ten times as many as CPUs
+constexpr std::size_t notFound = 2147483647;
+constexpr std::size_t prefetchDistance = 12; // points ahead while gathering them in Hilbert order
+
+void prefetch(const void* p) noexcept {
+#if defined(__GNUC__)
+    __builtin_prefetch(p);
+#else
+    static_cast<void>(p);
+#endif
+}
+
+struct PointSource {
+    const Point2* aPoint;
+    std::size_t n;
+    double x(std::size_t i) const noexcept { return aPoint[i].x(); }
+    double y(std::size_t i) const noexcept { return aPoint[i].y(); }
+    Point2 get(std::size_t i) const noexcept { return aPoint[i]; }
+    void prefetchAt(std::size_t i) const noexcept { prefetch(aPoint + i); }
+};
+
+struct TripleSource {
+    const double* xyz;
+    std::size_t n;
+    double x(std::size_t i) const noexcept { return xyz[3 * i]; }
+    double y(std::size_t i) const noexcept { return xyz[3 * i + 1]; }
+    Point2 get(std::size_t i) const noexcept { return Point2(xyz[3 * i], xyz[3 * i + 1], xyz[3 * i + 2]); }
+    void prefetchAt(std::size_t i) const noexcept { prefetch(xyz + 3 * i); }
+};
+
+/// Computes the keys of a range of points.
+template <class Source>
+struct Task {
+    std::vector<KeyPos>* pvKeys;
+    const Source* pSource;
+    const HC2* pHilbert;
+    std::size_t first, last;
+
+    void run() {
+        for (std::size_t i = first; i < last; ++i) {
+            (*pvKeys)[i] = {pHilbert->getIdx(pSource->x(i), pSource->y(i)), static_cast<std::uint32_t>(i)};
+        }
+    }
+};
+
+/// Fills vertices and entries of a range of sorted positions.
+template <class Source>
+struct FTask {
+    const std::vector<KeyPos>* pvKeys;
+    const Source* pSource;
+    const std::vector<Point2*>* pvVertices;
+    std::vector<Point2*>* pvHandles; // or null
+    IdxVtx* aEntry;                  // of position 0
+    std::size_t first, last;
+
+    void run() {
+        const std::vector<KeyPos>& vKeys = *pvKeys;
+        for (std::size_t i = first; i < last; ++i) {
+            if (i + prefetchDistance < last) pSource->prefetchAt(vKeys[i + prefetchDistance].pos);
+            Point2* pVtx = new ((*pvVertices)[i]) Point2(pSource->get(vKeys[i].pos));
+            aEntry[i] = {vKeys[i].key, true, pVtx};
+            if (pvHandles != nullptr) (*pvHandles)[vKeys[i].pos] = pVtx;
+        }
+    }
+};
+
+/// Runs one task per range of n / numCPU positions; prototype holds everything but the range.
+template <class T>
+void runOnRanges(const T& prototype, std::size_t n, int numCPU) {
+    const std::size_t chunk = n / static_cast<std::size_t>(numCPU);
+    std::vector<std::unique_ptr<T>> vTasks;
+    std::vector<T*> vTaskPointers;
+    for (std::size_t first = 0; first < n; first += chunk) {
+        vTasks.emplace_back(new T(prototype));
+        vTasks.back()->first = first;
+        vTasks.back()->last = std::min(first + chunk, n);
+        vTaskPointers.push_back(vTasks.back().get());
+    }
+    MTCtrl<T>(vTaskPointers.begin(), vTaskPointers.end()).run(&T::run, numCPU);
+}
+
+std::uint64_t bitsOf(double v) noexcept {
+    v += 0.0; // the two zeros are equal and must hash alike
+    std::uint64_t bits;
+    std::memcpy(&bits, &v, sizeof bits);
+    return bits;
+}
+
+Triangle2* usableTriangle(const IdxVtx& entry) noexcept {
+    return entry.bActive ? entry.pVtx->getIncidentTriangle() : nullptr;
+}
+
+} // namespace
+
+VertexVault::VertexVault(SimplePool<Point2>& vertexPool_, const HC2& hilbert_, QuorTest& quorTest_,
+                         const int& numCPU_)
+    : vertexPool(vertexPool_), hilbert(hilbert_), quorTest(quorTest_), numCPU(numCPU_) {
+}
+
+VertexVault::~VertexVault() {
+    deleteFakeCorners();
+}
+
+std::size_t VertexVault::PlanHash::operator()(const std::pair<double, double>& xy) const noexcept {
+    const std::uint64_t h = bitsOf(xy.first) * 0x9e3779b97f4a7c15ULL ^ bitsOf(xy.second);
+    return static_cast<std::size_t>((h ^ (h >> 29)) * 0xbf58476d1ce4e5b9ULL >> 7);
+}
+
+// --- adding -----------------------------------------------------------------------------------------------
+
+void VertexVault::addVertex(std::uint32_t key, Point2* pVtx) {
+    vIdxVtxAct.push_back({key, true, pVtx});
+}
+
+void VertexVault::addVertices(const std::vector<Point2>& vPoints, std::vector<Point2*>* pvHandles,
+                              std::size_t& firstIdx) {
+    addFrom(PointSource{vPoints.data(), vPoints.size()}, pvHandles, firstIdx);
+}
+
+void VertexVault::addVertices(int n, const double* xyz, std::vector<Point2*>* pvHandles,
+                              std::size_t& firstIdx) {
+    addFrom(TripleSource{xyz, static_cast<std::size_t>(n)}, pvHandles, firstIdx);
+}
+
+template <class Source>
+void VertexVault::addFrom(const Source& source, std::vector<Point2*>* pvHandles, std::size_t& firstIdx) {
+    const std::size_t n = source.n;
+    firstIdx = vIdxVtxAct.size();
+    const bool bThreads = numCPU > 1 && n >= minParallelKeys && n > 10 * static_cast<std::size_t>(numCPU);
+    std::vector<KeyPos> vKeys(n);
+    Task<Source> keyTask{&vKeys, &source, &hilbert, 0, n};
+    if (bThreads) {
+        runOnRanges(keyTask, n, numCPU);
+    } else {
+        keyTask.run();
+    }
+    sortKeys(vKeys, numCPU);
+    refineEqualKeys(
+        vKeys, [&](std::uint32_t i) { return source.x(i); }, [&](std::uint32_t i) { return source.y(i); });
+
+    vIdxVtxAct.resize(firstIdx + n);
+    if (pvHandles != nullptr) pvHandles->resize(n);
+    if (bThreads) {
+        fillOnThreads(source, vKeys, pvHandles, firstIdx);
+        return;
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        if (i + prefetchDistance < n) source.prefetchAt(vKeys[i + prefetchDistance].pos);
+        Point2* pVtx = makeVertex(source.get(vKeys[i].pos));
+        vIdxVtxAct[firstIdx + i] = {vKeys[i].key, true, pVtx};
+        if (pvHandles != nullptr) (*pvHandles)[vKeys[i].pos] = pVtx;
+    }
+}
+
+template <class Source>
+void VertexVault::fillOnThreads(const Source& source, const std::vector<KeyPos>& vKeys,
+                                std::vector<Point2*>* pvHandles, std::size_t firstIdx) {
+    // The pool has no lock: all storage is taken here, before the workers start.
+    std::vector<Point2*> vVertices(source.n);
+    for (Point2*& pVtx : vVertices) {
+        pVtx = vertexPool.allocate();
+    }
+    runOnRanges(FTask<Source>{&vKeys, &source, &vVertices, pvHandles, vIdxVtxAct.data() + firstIdx, 0, 0},
+                source.n, numCPU);
+}
+
+// --- searching --------------------------------------------------------------------------------------------
+
+/// A position in the sorted part near the key; 0 if that part is empty. Entries that are out of order after a
+/// sort in four parts may lead it astray, which costs time only.
+std::size_t VertexVault::lowerBound(std::uint32_t key) const noexcept {
+    if (numSorted == 0) return 0;
+    const IdxVtx* base = vIdxVtxAct.data();
+    for (std::size_t n = numSorted; n > 1;) {
+        const std::size_t half = n / 2;
+        base = base[half - 1].hcKey < key ? base + half : base;
+        n -= half;
+    }
+    return static_cast<std::size_t>(base - vIdxVtxAct.data());
+}
+
+Triangle2* VertexVault::getCloT(std::uint32_t key) const {
+    KELM_CHECK(bFullDimensional);
+    KELM_CHECK(!vIdxVtxAct.empty());
+    if (numSorted != 0) {
+        const std::size_t found = lowerBound(key);
+        for (std::size_t i = found; i < numSorted; ++i) {
+            if (Triangle2* pT = usableTriangle(vIdxVtxAct[i])) return pT;
+        }
+        for (std::size_t i = found; i-- > 0;) {
+            if (Triangle2* pT = usableTriangle(vIdxVtxAct[i])) return pT;
+        }
+    }
+    if (hasFakeCorners()) {
+        const Point2* pFakeCorner = vFakeBoxHandles.front();
+        Triangle2* pFakeT = pFakeCorner->getIncidentTriangle();
+        KELM_CHECK(pFakeT != 0);
+        return pFakeT;
+    }
+    Triangle2* pT = nullptr;
+    std::uint32_t best = 0;
+    for (std::size_t i = numSorted; i < vIdxVtxAct.size(); ++i) {
+        const IdxVtx& entry = vIdxVtxAct[i];
+        const std::uint32_t difference = entry.hcKey > key ? entry.hcKey - key : key - entry.hcKey;
+        if ((pT == nullptr || difference < best) && usableTriangle(entry) != nullptr) {
+            pT = usableTriangle(entry);
+            best = difference;
+        }
+    }
+    if (pT == nullptr) {
+        printError("Vault", "getCloT() failed");
+        KELM_CHECK(false);
+    }
+    return pT;
+}
+
+/// Position of the active entry that matches, or npos: the run of equal keys first, then everything from the
+/// end, which finds the unsorted tail and what a sort in four parts displaced.
+template <class Matches>
+std::size_t VertexVault::findActive(std::uint32_t key, const Matches& matches) const {
+    const auto isIt = [&](std::size_t i) { return vIdxVtxAct[i].bActive && matches(*vIdxVtxAct[i].pVtx); };
+    const std::size_t found = lowerBound(key);
+    for (std::size_t i = found; i < numSorted && vIdxVtxAct[i].hcKey <= key; ++i) {
+        if (isIt(i)) return i;
+    }
+    for (std::size_t i = found; i-- > 0 && vIdxVtxAct[i].hcKey == key;) {
+        if (isIt(i)) return i;
+    }
+    for (std::size_t i = vIdxVtxAct.size(); i-- > 0;) {
+        if (isIt(i)) return i;
+    }
+    return npos;
+}
+
+std::size_t VertexVault::getIdxOfActiveVtx(const Point2* pQuery) const {
+    const std::size_t i =
+        findActive(hilbert.getIdx(*pQuery), [&](const Point2& vtx) { return &vtx == pQuery; });
+    if (i != npos) return i;
+    printError("VertexVault::getIdxOfActiveVtx", "pQuery not found");
+    return notFound;
+}
+
+Point2* VertexVault::getVertexPointer(const Point2& point) const {
+    const std::size_t i = findActive(hilbert.getIdx(point), [&](const Point2& vtx) { return vtx == point; });
+    return i != npos ? vIdxVtxAct[i].pVtx : nullptr;
+}
+
+Point2* VertexVault::findWaiting(const Point2& point) {
+    for (; numHashed < vIdxVtxAct.size(); ++numHashed) {
+        const IdxVtx& entry = vIdxVtxAct[numHashed];
+        if (entry.bActive) mWaiting.emplace(std::make_pair(entry.pVtx->x(), entry.pVtx->y()), entry.pVtx);
+    }
+    const auto it = mWaiting.find(std::make_pair(point.x(), point.y()));
+    return it != mWaiting.end() ? it->second : nullptr;
+}
+
+void VertexVault::forgetWaiting() {
+    PlanMap().swap(mWaiting);
+    numHashed = numCollinear = 0;
+    firstOfLine = secondOfLine = npos;
+}
+
+bool VertexVault::getFirstTriple(Point2*& a, Point2*& b, Point2*& c) {
+    KELM_CHECK(!bFullDimensional);
+    for (; numCollinear < vIdxVtxAct.size(); ++numCollinear) {
+        const IdxVtx& entry = vIdxVtxAct[numCollinear];
+        if (!entry.bActive) continue;
+        if (firstOfLine == npos) {
+            firstOfLine = numCollinear;
+            continue;
+        }
+        Point2* pFirst = vIdxVtxAct[firstOfLine].pVtx;
+        if (secondOfLine == npos) {
+            if (*entry.pVtx != *pFirst) secondOfLine = numCollinear;
+            continue;
+        }
+        Point2* pSecond = vIdxVtxAct[secondOfLine].pVtx;
+        const Orientation2 orientation = quorTest.getOrientation2Filtered(pFirst, pSecond, entry.pVtx);
+        if (orientation == ORIENTATION2_COLLINEAR) continue;
+        a = pFirst;
+        b = pSecond;
+        c = entry.pVtx;
+        if (orientation == ORIENTATION2_CW) std::swap(b, c);
+        return true;
+    }
+    return false;
+}
+
+// --- reading ----------------------------------------------------------------------------------------------
+
+void VertexVault::getRange(std::size_t firstIdx, EntryIterator& begin, EntryIterator& end) const {
+    begin = vIdxVtxAct.begin() + static_cast<std::ptrdiff_t>(firstIdx);
+    end = vIdxVtxAct.end();
+}
+
+void VertexVault::getVertexPointers(std::vector<Point2*>& vVertices) const {
+    vVertices.clear();
+    vVertices.reserve(numberOfPoints());
+    for (const IdxVtx& entry : vIdxVtxAct) {
+        if (entry.bActive) vVertices.push_back(entry.pVtx);
+    }
+}
+
+Triangle2* VertexVault::getOneValidTriangle() const noexcept {
+    if (!bFullDimensional) return nullptr;
+    for (const IdxVtx& entry : vIdxVtxAct) {
+        if (Triangle2* pT = usableTriangle(entry)) return pT;
+    }
+    return nullptr;
+}
+
+Bbox2 VertexVault::computeBoundingBox() const {
+    Bbox2 box;
+    for (const IdxVtx& entry : vIdxVtxAct) {
+        if (entry.bActive) box.add(*entry.pVtx);
+    }
+    return box;
+}
+
+// --- upkeep -----------------------------------------------------------------------------------------------
+
+void VertexVault::setFullDimensional(bool bFull) noexcept {
+    bFullDimensional = bFull;
+    forgetWaiting();
+}
+
+void VertexVault::deactivateEntry(IdxVtx& entry) noexcept {
+    entry.bActive = false;
+    ++numInactive;
+}
+
+void VertexVault::deactivate(Point2* pVtx) {
+    ++numDeactivated;
+    pVtx->setIncidentTriangle(nullptr);
+    const std::size_t i = getIdxOfActiveVtx(pVtx);
+    if (i == notFound) return;
+    deactivateEntry(vIdxVtxAct[i]);
+    // While not full-dimensional the index keeps no inactive entries.
+    if (!bFullDimensional) sortIfNeeded(false);
+}
+
+void VertexVault::rekey() {
+    for (IdxVtx& entry : vIdxVtxAct) {
+        entry.hcKey = hilbert.getIdx(*entry.pVtx);
+    }
+    numSorted = 0;
+    sortIfNeeded(false);
+}
+
+void VertexVault::sortIfNeeded(bool bConditional) {
+    const bool bLongTail = static_cast<double>(vIdxVtxAct.size()) > 1.35 * static_cast<double>(numSorted);
+    const bool bManyRemoved = numDeactivated > numSorted / 2 && numDeactivated > 1000;
+    if (bConditional && !bLongTail && !bManyRemoved) return;
+    numDeactivated = 0;
+    sortEntries(vIdxVtxAct, numSorted, numCPU);
+    while (!vIdxVtxAct.empty() && !vIdxVtxAct.back().bActive) {
+        vIdxVtxAct.pop_back();
+        --numInactive;
+    }
+    numSorted = vIdxVtxAct.size();
+    forgetWaiting();
+}
+
+// --- duplicates -------------------------------------------------------------------------------------------
+
+void VertexVault::addDuplicate(Point2* pDup, Point2* pExisting) {
+    if (pDup == pExisting) return;
+    const std::lock_guard<std::mutex> lock(mtxDuplicates);
+    vRedundant.emplace_back(pDup, pExisting);
+}
+
+void VertexVault::sortRedundant() {
+    std::sort(vRedundant.begin(), vRedundant.end());
+    const auto sameVertex = [](const auto& a, const auto& b) { return a.first == b.first; };
+    const bool bInserted =
+        std::adjacent_find(vRedundant.begin(), vRedundant.end(), sameVertex) == vRedundant.end();
+    KELM_CHECK(bInserted);
+}
+
+const std::pair<Point2*, Point2*>* VertexVault::findRedundant(const Point2* pVtx) const noexcept {
+    const auto it = std::lower_bound(vRedundant.begin(), vRedundant.end(), pVtx,
+                                     [](const auto& pair, const Point2* p) { return pair.first < p; });
+    return it != vRedundant.end() && it->first == pVtx ? &*it : nullptr;
+}
+
+/// Puts survivors into the handles; the number of handles replaced.
+std::size_t VertexVault::replaceHandles(std::vector<Point2*>& vHandles) const {
+    std::size_t numReplaced = 0;
+    for (Point2*& pHandle : vHandles) {
+        if (pHandle->getIncidentTriangle() != nullptr) continue;
+        const auto* pPair = findRedundant(pHandle);
+        if (pPair == nullptr) continue;
+        KELM_CHECK(*pHandle == *pPair->second);
+        pHandle = pPair->second;
+        ++numReplaced;
+    }
+    return numReplaced;
+}
+
+void VertexVault::findWaitingDuplicates() {
+    KELM_CHECK(vRedundant.empty());
+    PlanMap mFirst;
+    for (IdxVtx& entry : vIdxVtxAct) {
+        if (!entry.bActive) continue;
+        const auto inserted = mFirst.emplace(std::make_pair(entry.pVtx->x(), entry.pVtx->y()), entry.pVtx);
+        if (inserted.second) continue;
+        deactivateEntry(entry);
+        vRedundant.emplace_back(entry.pVtx, inserted.first->second);
+    }
+}
+
+void VertexVault::fixDuplicates(std::vector<Point2*>* pvHandles) {
+    if (!bFullDimensional) {
+        findWaitingDuplicates();
+        if (vRedundant.empty()) return;
+        sortRedundant();
+        if (pvHandles != nullptr) replaceHandles(*pvHandles);
+        vRedundant.clear();
+        sortIfNeeded(false);
+        return;
+    }
+    if (vRedundant.empty()) return;
+    sortRedundant();
+    std::size_t numFoundInIdxVtxAct = 0, numInTail = 0;
+    const auto settle = [&](IdxVtx& entry) {
+        if (usableTriangle(entry) != nullptr || !entry.bActive || findRedundant(entry.pVtx) == nullptr)
+            return;
+        deactivateEntry(entry);
+        ++numFoundInIdxVtxAct;
+    };
+    for (std::size_t i = numSorted; i < vIdxVtxAct.size(); ++i) {
+        settle(vIdxVtxAct[i]);
+    }
+    numInTail = numFoundInIdxVtxAct;
+    // Vertices that had waited, and became part of the mesh only now, may stand in the sorted part.
+    if (numInTail != vRedundant.size()) {
+        for (std::size_t i = 0; i < numSorted; ++i) {
+            settle(vIdxVtxAct[i]);
+        }
+    }
+    if (vRedundant.size() != numFoundInIdxVtxAct) {
+        std::cout << "BUG: mRedundant2UniqueVtx.size()=" << vRedundant.size() << std::endl
+                  << "     numFoundInIdxVtxAct=" << numFoundInIdxVtxAct << std::endl;
+    }
+    KELM_CHECK(vRedundant.size() == numFoundInIdxVtxAct);
+    if (pvHandles != nullptr) replaceHandles(*pvHandles);
+    vRedundant.clear();
+}
+
+Point2* VertexVault::resolveDuplicate(Point2* pNew) {
+    KELM_CHECK(vRedundant.size() == 1 && vRedundant.front().first == pNew);
+    KELM_CHECK(vIdxVtxAct.back().pVtx == pNew);
+    deactivateEntry(vIdxVtxAct.back());
+    Point2* pExisting = vRedundant.front().second;
+    vRedundant.clear();
+    return pExisting;
+}
+
+// --- the frame --------------------------------------------------------------------------------------------
+
+void VertexVault::createFakeCorners(const Bbox2& box) {
+    KELM_CHECK(vFakeBoxHandles.empty());
+    std::vector<Point2> vCorners;
+    box.getCorners(vCorners);
+    for (const Point2& corner : vCorners) {
+        vFakeBoxHandles.push_back(new Point2(corner));
+    }
+}
+
+Point2* VertexVault::getFakeCorner(std::size_t i) const {
+    KELM_CHECK(vFakeBoxHandles.size() > i);
+    return vFakeBoxHandles[i];
+}
+
+void VertexVault::deleteFakeCorners() {
+    while (!vFakeBoxHandles.empty()) {
+        delete vFakeBoxHandles.back();
+        vFakeBoxHandles.pop_back();
+    }
+}
+
+} // namespace QUOR_KELM25D

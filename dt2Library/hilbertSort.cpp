@@ -1,0 +1,156 @@
+// Radix sort of key pairs, sort and merge of index entries, and the four-part forms on threads.
+// The refinement of equal keys is a template in the header.
+
+#include "hilbertSort.h"
+
+#include "MTCtrl.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr std::ptrdiff_t minRadixSort = 600; // below, clearing the histograms costs more than it saves
+
+/// Least significant digit first, 11 bits a pass; a pass in which all digits agree is left out.
+template <class Record, class GetKey>
+void radixSort(Record* first, Record* last, GetKey getKey) {
+    constexpr int numPasses = 3, bits = 11;
+    constexpr std::size_t numBuckets = std::size_t(1) << bits;
+    const std::size_t n = static_cast<std::size_t>(last - first);
+    std::array<std::array<std::uint32_t, numBuckets>, numPasses> aCount{};
+    for (const Record* p = first; p != last; ++p) {
+        const std::uint32_t key = getKey(*p);
+        for (int pass = 0; pass < numPasses; ++pass) {
+            ++aCount[pass][(key >> (pass * bits)) % numBuckets];
+        }
+    }
+    const std::unique_ptr<Record[]> pBuffer(new Record[n]);
+    Record *pFrom = first, *pTo = pBuffer.get();
+    for (int pass = 0; pass < numPasses; ++pass) {
+        auto& count = aCount[pass];
+        const int shift = pass * bits;
+        if (count[(getKey(*pFrom) >> shift) % numBuckets] == n) continue;
+        std::uint32_t sum = 0;
+        for (std::uint32_t& c : count) {
+            const std::uint32_t here = c;
+            c = sum;
+            sum += here;
+        }
+        for (const Record* p = pFrom; p != pFrom + n; ++p) {
+            pTo[count[(getKey(*p) >> shift) % numBuckets]++] = *p;
+        }
+        std::swap(pFrom, pTo);
+    }
+    if (pFrom != first) std::copy(pFrom, pFrom + n, first);
+}
+
+template <class Record, class GetKey>
+void sortByKey(Record* first, Record* last, GetKey getKey) {
+    const auto less = [&](const Record& a, const Record& b) { return getKey(a) < getKey(b); };
+    if (last - first < minRadixSort) {
+        std::sort(first, last, less);
+    } else if (!std::is_sorted(first, last, less)) { // a bulk insertion leaves its entries in order
+        radixSort(first, last, getKey);
+    }
+}
+
+std::uint32_t keyOfPair(const KeyPos& pair) noexcept {
+    return pair.key;
+}
+
+std::uint32_t keyOfEntry(const IdxVtx& entry) noexcept {
+    return entry.hcKey;
+}
+
+/// Active entries by key, then the inactive ones.
+void sortEntryRange(IdxVtx* first, IdxVtx* last) {
+    IdxVtx* middle = std::partition(first, last, [](const IdxVtx& entry) { return entry.bActive; });
+    sortByKey(first, middle, keyOfEntry);
+}
+
+struct SortTask2 {
+    KeyPos *first, *last;
+    void run() { sortKeyRange(first, last); }
+};
+
+struct SortTask {
+    IdxVtx *first, *last;
+    void run() { sortEntryRange(first, last); }
+};
+
+/// Mean of a sample of about a hundred keys of a range that is not empty.
+template <class Record, class GetKey>
+std::uint32_t sampleMean(const Record* first, const Record* last, GetKey getKey) {
+    const std::ptrdiff_t step = (last - first) / 100 - 1;
+    if (step < 1) return first == last ? 0 : getKey(*first);
+    double sum = 0.0;
+    std::ptrdiff_t count = 0;
+    for (std::ptrdiff_t i = 0; i < last - first; i += step, ++count) {
+        sum += getKey(first[i]);
+    }
+    return static_cast<std::uint32_t>(sum / static_cast<double>(count));
+}
+
+/// Partitions a range into four by sampled means and sorts the four on four threads.
+template <class Task, class Record, class GetKey, class GoesLeft>
+void sortInFourParts(Record* first, Record* last, GetKey getKey, GoesLeft goesLeft) {
+    const auto split = [&](Record* from, Record* to) {
+        const std::uint32_t pivot = sampleMean(from, to, getKey);
+        return std::partition(from, to, [&](const Record& r) { return goesLeft(r, pivot); });
+    };
+    Record* middle = split(first, last);
+    Record* aBound[5] = {first, split(first, middle), middle, split(middle, last), last};
+    std::vector<std::unique_ptr<Task>> vTasks;
+    std::vector<Task*> vTaskPointers;
+    for (int i = 0; i < 4; ++i) {
+        vTasks.emplace_back(new Task{aBound[i], aBound[i + 1]});
+        vTaskPointers.push_back(vTasks.back().get());
+    }
+    MTCtrl<Task>(vTaskPointers.begin(), vTaskPointers.end()).run(&Task::run, 4);
+}
+
+bool useFourParts(std::size_t n, int numCPU) noexcept {
+    return numCPU >= minParallelSortCPU && n >= minParallelSort;
+}
+
+} // namespace
+
+void sortKeyRange(KeyPos* first, KeyPos* last) {
+    sortByKey(first, last, keyOfPair);
+}
+
+void sortKeys(std::vector<KeyPos>& vKeys, int numCPU) {
+    KeyPos *first = vKeys.data(), *last = first + vKeys.size();
+    if (useFourParts(vKeys.size(), numCPU)) {
+        sortInFourParts<SortTask2>(first, last, keyOfPair,
+                                   [](const KeyPos& pair, std::uint32_t pivot) { return pair.key < pivot; });
+    } else {
+        sortKeyRange(first, last);
+    }
+}
+
+void sortEntries(std::vector<IdxVtx>& vEntries, std::size_t numSorted, int numCPU) {
+    IdxVtx *first = vEntries.data(), *last = first + vEntries.size();
+    if (useFourParts(vEntries.size(), numCPU)) {
+        // An inactive entry goes left at every partition, deliberately.
+        sortInFourParts<SortTask>(first, last, keyOfEntry, [](const IdxVtx& entry, std::uint32_t pivot) {
+            return !(entry.hcKey >= pivot && entry.bActive);
+        });
+        return;
+    }
+    // The sorted head is merged with the sorted tail once the inactive entries stand at the end.
+    const auto isActive = [](const IdxVtx& entry) { return entry.bActive; };
+    IdxVtx* tail = first + numSorted;
+    const std::ptrdiff_t numActiveHead = std::count_if(first, tail, isActive);
+    IdxVtx* activeEnd = std::stable_partition(first, last, isActive);
+    tail = first + numActiveHead;
+    sortByKey(tail, activeEnd, keyOfEntry);
+    std::inplace_merge(first, tail, activeEnd,
+                       [](const IdxVtx& a, const IdxVtx& b) { return a.hcKey < b.hcKey; });
+}
+
+} // namespace QUOR_KELM25D

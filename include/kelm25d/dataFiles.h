@@ -1,0 +1,64 @@
+/// @file
+/// Point lists in files: text with two or three numbers a point, and a binary form that keeps every bit.
+/// Whole triangulations as drawings or meshes are written by other functions.
+///
+/// All functions report by their result and print one line to standard output when they fail; none throws,
+/// short of running out of memory. Readers append to the given vector, and what they have read before a
+/// failure stays in it. Points that were read have custom index -1. Everything is linear in the size of the
+/// file. File names are never null.
+///
+/// The binary form is little-endian on every machine and has no padding:
+///
+/// | offset | type            | content                                  |
+/// |--------|-----------------|------------------------------------------|
+/// | 0      | 32-bit integer  | 30 with heights, 20 without              |
+/// | 4      | 32-bit integer  | N, the number of points                  |
+/// | 8      | 32-bit integer  | 0, not looked at when reading            |
+/// | 12     | N x 2 or 3 x 64-bit float | x, y and with type 30 z        |
+#pragma once
+
+#include <kelm25d/export.h>
+
+#include <vector>
+
+namespace QUOR_KELM25D {
+
+class Point2;
+
+/// Reads text, two numbers a point, separated by white space; heights become 0.0.
+///
+/// Numbers have the C locale's form whatever the program's locale is. Reading ends at the end of the file or
+/// at the first thing that is not a number or lies beyond the range of double; neither that nor an incomplete
+/// last point is a failure.
+/// @return false, with the line "FILENAME is unreadable", if the file can't be read
+KELM25D_API bool readXY(const char* filename, std::vector<Point2>& vPoints);
+
+/// The same as readXY with three numbers a point: x, y, z.
+KELM25D_API bool readXYZ(const char* filename, std::vector<Point2>& vPoints);
+
+/// Writes text, one point a line: x, y, z with 18 significant digits, enough to read the same values back.
+/// An existing file is replaced.
+/// @return false, with the line "FILENAME can't be written", if the file can't be opened or written
+/// completely
+KELM25D_API bool writePointsASCII(const char* filename, const std::vector<Point2>& vPoints);
+
+/// The same for points that are held by pointer, for example vertices; none may be null. Only borrows them.
+KELM25D_API bool writePointsASCII(const char* filename, const std::vector<Point2*>& vPoints);
+
+/// Reads a binary point file. Heights become 0.0 if the file has none.
+///
+/// A file that is shorter than its own count gives the complete points that are there, and true. A negative
+/// count reads nothing. No memory is taken for points that are not there.
+/// @return false if the file can't be read ("FILENAME can't be read") or its type is neither 30 nor 20
+/// ("FILENAME has wrong filetype TYPE, expected: 30 or 20")
+KELM25D_API bool readPointsBIN(const char* filename, std::vector<Point2>& vPoints);
+
+/// Writes a binary point file with heights. An existing file is replaced.
+/// @return false, with the line "FILENAME can't be written", if the file can't be opened or written
+/// completely, or if there are more points than the count can hold, which is 2147483647
+KELM25D_API bool writePointsBIN(const char* filename, const std::vector<Point2>& vPoints);
+
+/// The same for points that are held by pointer, for example vertices; none may be null. Only borrows them.
+KELM25D_API bool writePointsBIN(const char* filename, const std::vector<Point2*>& vPoints);
+
+} // namespace QUOR_KELM25D
