@@ -59,9 +59,8 @@ Point2* Dt2::insertPoint(const Point2& p) {
     const std::uint32_t key = hilbert.getIdx(p);
     if (!is2D()) {
         vertexVault.addVertex(key, pVtx);
-        startTriangulation(0);
         // Vertices that had to wait through a bulk insertion may turn out to be duplicates only now.
-        vertexVault.fixDuplicates(nullptr);
+        if (startTriangulation(0)) vertexVault.fixDuplicates(nullptr);
         return pVtx;
     }
     Triangle2* pStart = vertexVault.getCloT(key);
@@ -82,7 +81,7 @@ bool Dt2::startTriangulation(std::size_t numPreExistingVtx) {
     Triangle2* pFirst = createTriangle(a, b, c);
     VertexVault::EntryIterator startIt, stopIt;
     vertexVault.getRange(0, startIt, stopIt);
-    KELM_CHECK(numPreExistingVtx <= (size_t)distance(startIt, stopIt));
+    KELM_CHECK(numPreExistingVtx<=(size_t)distance(startIt,stopIt));
     // The three corners are met again among the entries and recognised as already present.
     const auto middle = startIt + static_cast<std::ptrdiff_t>(numPreExistingVtx);
     if (startIt != middle) insertRange(startIt, middle, pFirst);
@@ -112,7 +111,7 @@ void Dt2::recycleTriangle(Triangle2* pT) {
 
 unsigned Dt2::numberOfTriangles() const {
     const std::size_t numAllT = trianglePool.size(), numDeadT = vDeadTriangles.size();
-    KELM_CHECK(numDeadT <= numAllT);
+    KELM_CHECK(numDeadT<=numAllT);
     return static_cast<unsigned>(numAllT - numDeadT);
 }
 

@@ -61,6 +61,10 @@ void Dt2::insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHan
 
 void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandles) {
     if (numPoints <= 0) return;
+    if (aCoordinates == nullptr || aHandles == nullptr) {
+        printError("Dt2::insert()", "an array is missing, none of the points is inserted");
+        return;
+    }
     const std::size_t n = static_cast<std::size_t>(numPoints);
     std::vector<Point2*> vHandles(n, nullptr);
     if (!areAllFinite(n, [&](std::size_t i) {
@@ -125,7 +129,7 @@ void Dt2::insertRangeSequential(VertexVault::EntryIterator first, VertexVault::E
     if (pVtx->getIncidentTriangle() == nullptr) pVtx = cornerAt(pHint, pVtx);
     insertRangeSequential(first, middle, pHint);
     Triangle2* pIncT = pVtx->getIncidentTriangle();
-    KELM_CHECK(pIncT != NULL);
+    KELM_CHECK(pIncT!=NULL);
     insertRangeSequential(middle + 1, last, pIncT);
 }
 

@@ -13,7 +13,6 @@
 #include "messages.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 
 namespace QUOR_KELM25D {
@@ -50,9 +49,7 @@ void relink(Triangle2* pNeighbour, const Triangle2* pOld, Triangle2* pNew) noexc
 
 int Dt2::locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx) {
     Triangle2* pStartTriangle = pT;
-    KELM_CHECK(pStartTriangle != 0);
-    const double errPos = quorTest.getErrPos(), errNeg = quorTest.getErrNeg();
-    const double qx = q->x(), qy = q->y();
+    KELM_CHECK(pStartTriangle!=0);
     WalkRandom walkRandom;
     bool bOnHullLine = false; // the caller's edgeIdx is settled then, deliberately
     int numSteps = 0;
@@ -61,9 +58,8 @@ int Dt2::locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx) {
     edgeIdx = -1;
 
     for (;;) {
-        // The careful part: one edge after another in the given order, with exact answers.
         int crossed = -1;
-        for (; position < 3 && crossed < 0; ++position) {
+        for (; position < 3; ++position) {
             const int i = aOrder[position];
             const Orientation2 side = quorTest.getEdgeOrientation(pT, i, q);
             if (side == ORIENTATION2_CCW) continue;
@@ -73,65 +69,39 @@ int Dt2::locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx) {
             }
             if (isAtCorner(pT, q)) return 4;
             if (!bOnHullLine) edgeIdx = i;
-            if (pT->getOppositeTriangle(i) != nullptr) continue;
+            if (pT->aOppTriangle[i] != nullptr) continue; // a later edge may still send the walk on
             // On the supporting line of hull edge i: inside the edge, or beyond one of its ends.
             const int next = incIndexBy1(i), prev = incIndexBy2(i);
             int beyond = -1;
             if (quorTest.getEdgeOrientation(pT, next, q) == ORIENTATION2_CW) beyond = next;
             if (quorTest.getEdgeOrientation(pT, prev, q) == ORIENTATION2_CW) beyond = prev;
             if (beyond < 0) return i;
-            if (pT->getOppositeTriangle(beyond) == nullptr) return beyond;
-            pT = pT->getOppositeTriangle(beyond);
+            if (pT->aOppTriangle[beyond] == nullptr) return beyond;
+            // A new walk from there; it can end only on the hull or at a corner.
+            pT = pT->aOppTriangle[beyond];
             bOnHullLine = true;
             numSteps = 0;
             aOrder[0] = 0, aOrder[1] = 1, aOrder[2] = 2;
-            position = -1; // becomes 0: a new walk from there
+            position = -1;
         }
         if (crossed < 0) return -1;
+        if (!bOnHullLine) edgeIdx = -1;
+        Triangle2* pN = pT->aOppTriangle[crossed];
+        if (pN == nullptr) return crossed;
 
-        // The fast part: both remaining edges of each triangle at once, as long as the filter decides.
-        // a and b are the ends of the edge just crossed, relative to q, as the old triangle sees it.
-        Triangle2* pOld = pT;
-        const Point2 *pA = pT->aCorner[incIndexBy1(crossed)], *pB = pT->aCorner[incIndexBy2(crossed)];
-        double ax = pA->x() - qx, ay = pA->y() - qy, bx = pB->x() - qx, by = pB->y() - qy;
-        bool bNextFirst = position != 1; // the order of the two alternates
-        int exitIdx = crossed;
-        for (;;) {
-            if (!bOnHullLine) edgeIdx = -1;
-            pT = pOld->aOppTriangle[exitIdx];
-            if (pT == nullptr) {
-                pT = pOld;
-                return exitIdx;
-            }
-            const int j = pT->getIntraTriangleIndex(pOld);
-            const int next = incIndexBy1(j), prev = incIndexBy2(j);
-            if (++numSteps > maxOrderlySteps) {
-                aOrder[0] = walkRandom.nextBelow3();
-                aOrder[1] = incIndexBy1(aOrder[0]);
-                aOrder[2] = incIndexBy2(aOrder[0]);
-                position = 0;
-                break;
-            }
-            const Point2* pApex = pT->aCorner[j];
-            const double dx = pApex->x() - qx, dy = pApex->y() - qy;
-            const double sideNext = dy * ax - ay * dx, sidePrev = by * dx - dy * bx;
-            if (!(std::min(std::fabs(sideNext), std::fabs(sidePrev)) > errPos)) {
-                aOrder[1] = bNextFirst ? next : prev;
-                aOrder[2] = bNextFirst ? prev : next;
-                position = 1;
-                break;
-            }
-            const bool bOutNext = sideNext < errNeg, bOutPrev = sidePrev < errNeg;
-            if (!bOutNext && !bOutPrev) return -1;
-            const bool bExitNext = bOutNext && (bNextFirst || !bOutPrev);
-            exitIdx = bExitNext ? next : prev;
-            bNextFirst = bExitNext != bNextFirst;
-            ax = bExitNext ? ax : dx;
-            ay = bExitNext ? ay : dy;
-            bx = bExitNext ? dx : bx;
-            by = bExitNext ? dy : by;
-            pOld = pT;
+        // The edge just crossed is not tested again; the order of the two others alternates.
+        const int j = pN->getIntraTriangleIndex(pT);
+        pT = pN;
+        if (++numSteps > maxOrderlySteps) {
+            aOrder[0] = walkRandom.nextBelow3();
+            aOrder[1] = incIndexBy1(aOrder[0]);
+            aOrder[2] = incIndexBy2(aOrder[0]);
+            position = 0;
+            continue;
         }
+        aOrder[1] = position == 1 ? incIndexBy2(j) : incIndexBy1(j);
+        aOrder[2] = position == 1 ? incIndexBy1(j) : incIndexBy2(j);
+        position = 1;
     }
 }
 
@@ -202,7 +172,7 @@ Triangle2* Dt2::splitTriangle(Triangle2* pT, Point2* q) {
 
 Triangle2* Dt2::splitEdge(Triangle2* pT, Point2* q, int edgeIdx) {
     Triangle2* pNeigA = pT->aOppTriangle[edgeIdx];
-    KELM_CHECK(pNeigA != 0);
+    KELM_CHECK(pNeigA!=0);
     const int j = pNeigA->getIntraTriangleIndex(pT);
     const int next = incIndexBy1(edgeIdx), prev = incIndexBy2(edgeIdx);
     Point2 *a = pT->aCorner[edgeIdx], *b = pT->aCorner[next], *k = pT->aCorner[prev], *d = pNeigA->aCorner[j];
@@ -363,7 +333,7 @@ void Dt2::legalizeAround(Point2* pVtx) {
         if (pN == nullptr) continue;
         const Point2* d = pN->aCorner[pN->getIntraTriangleIndex(pFromT)];
         if (quorTest.circleIncFiltered(pFromT, d) != 1) continue;
-        KELM_CHECK(canBeFlipped(pFromT, fromICI));
+        KELM_CHECK(canBeFlipped(pFromT,fromICI));
         flip(pFromT, fromICI);
         pushEdge(pFromT, 0);
         pushEdge(pFromT, 2);

@@ -4,6 +4,7 @@
 
 #include <mutex>
 #include <set>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -19,10 +20,15 @@ public:
     MTCtrl(const MTCtrl&) = delete;
     MTCtrl& operator=(const MTCtrl&) = delete;
 
-    /// Runs fn on every task with numThreads threads and returns when all are done.
+    /// Runs fn on every task with numThreads threads and returns when all are done. Where the system gives
+    /// fewer threads, those do all the work.
     void run(void (T::*fn)(), int numThreads) {
-        for (int i = 0; i < numThreads; ++i) {
-            vThreads.emplace_back(&MTCtrl::worker, this, i, fn);
+        try {
+            for (int i = 0; i < numThreads; ++i) {
+                vThreads.emplace_back(&MTCtrl::worker, this, i, fn);
+            }
+        } catch (const std::system_error&) {
+            if (vThreads.empty()) worker(0, fn);
         }
         for (std::thread& thread : vThreads) {
             thread.join();

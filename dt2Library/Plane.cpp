@@ -34,10 +34,7 @@ Plane::Plane(const Point2& p0, const Point2& p1, const Point2& p2) : d(0.0) {
     }
     normal = spanned / spannedLen;
     const double vecLen = normal.length();
-    // The check prints its condition as it stands here.
-    // clang-format off
     KELM_CHECK(vecLen>.99 && vecLen<1.01);
-    // clang-format on
     d = dot(normal, p0);
 }
 

@@ -395,9 +395,9 @@ std::string getString(Orientation2 orientation) {
 namespace {
 
 Orientation2 orientationWith(QuorTest& quorTest, const Point2* p0, const Point2* p1, const Point2* p2) {
-    KELM_CHECK(p0 != 0);
-    KELM_CHECK(p1 != 0);
-    KELM_CHECK(p2 != 0);
+    KELM_CHECK(p0!=0);
+    KELM_CHECK(p1!=0);
+    KELM_CHECK(p2!=0);
     quorTest.updateRange(p0, p1, p2);
     return quorTest.getOrientation2Filtered(p0, p1, p2);
 }

@@ -211,7 +211,7 @@ Triangle2* VertexVault::getCloT(std::uint32_t key) const {
     if (hasFakeCorners()) {
         const Point2* pFakeCorner = vFakeBoxHandles.front();
         Triangle2* pFakeT = pFakeCorner->getIncidentTriangle();
-        KELM_CHECK(pFakeT != 0);
+        KELM_CHECK(pFakeT!=0);
         return pFakeT;
     }
     Triangle2* pT = nullptr;
@@ -383,93 +383,87 @@ void VertexVault::sortIfNeeded(bool bConditional) {
 void VertexVault::addDuplicate(Point2* pDup, Point2* pExisting) {
     if (pDup == pExisting) return;
     const std::lock_guard<std::mutex> lock(mtxDuplicates);
-    vRedundant.emplace_back(pDup, pExisting);
+    mRedundant2UniqueVtx.emplace_back(pDup, pExisting);
 }
 
 void VertexVault::sortRedundant() {
-    std::sort(vRedundant.begin(), vRedundant.end());
+    std::sort(mRedundant2UniqueVtx.begin(), mRedundant2UniqueVtx.end());
     const auto sameVertex = [](const auto& a, const auto& b) { return a.first == b.first; };
-    const bool bInserted =
-        std::adjacent_find(vRedundant.begin(), vRedundant.end(), sameVertex) == vRedundant.end();
+    const bool bInserted = std::adjacent_find(mRedundant2UniqueVtx.begin(), mRedundant2UniqueVtx.end(),
+                                              sameVertex) == mRedundant2UniqueVtx.end();
     KELM_CHECK(bInserted);
 }
 
 const std::pair<Point2*, Point2*>* VertexVault::findRedundant(const Point2* pVtx) const noexcept {
-    const auto it = std::lower_bound(vRedundant.begin(), vRedundant.end(), pVtx,
+    const auto it = std::lower_bound(mRedundant2UniqueVtx.begin(), mRedundant2UniqueVtx.end(), pVtx,
                                      [](const auto& pair, const Point2* p) { return pair.first < p; });
-    return it != vRedundant.end() && it->first == pVtx ? &*it : nullptr;
+    return it != mRedundant2UniqueVtx.end() && it->first == pVtx ? &*it : nullptr;
 }
 
-/// Puts survivors into the handles; the number of handles replaced.
-std::size_t VertexVault::replaceHandles(std::vector<Point2*>& vHandles) const {
-    std::size_t numReplaced = 0;
-    for (Point2*& pHandle : vHandles) {
-        if (pHandle->getIncidentTriangle() != nullptr) continue;
-        const auto* pPair = findRedundant(pHandle);
+/// Puts survivors into the handles.
+void VertexVault::replaceHandles(std::vector<Point2*>& vHandles) const {
+    for (auto it = vHandles.begin(); it != vHandles.end(); ++it) {
+        if ((*it)->getIncidentTriangle() != nullptr) continue;
+        const auto* pPair = findRedundant(*it);
         if (pPair == nullptr) continue;
-        KELM_CHECK(*pHandle == *pPair->second);
-        pHandle = pPair->second;
-        ++numReplaced;
+        Point2* pExistingVtx = pPair->second;
+        KELM_CHECK(**it==*pExistingVtx);
+        *it = pExistingVtx;
     }
-    return numReplaced;
 }
 
 void VertexVault::findWaitingDuplicates() {
-    KELM_CHECK(vRedundant.empty());
+    KELM_CHECK(mRedundant2UniqueVtx.empty());
     PlanMap mFirst;
     for (IdxVtx& entry : vIdxVtxAct) {
         if (!entry.bActive) continue;
         const auto inserted = mFirst.emplace(std::make_pair(entry.pVtx->x(), entry.pVtx->y()), entry.pVtx);
         if (inserted.second) continue;
         deactivateEntry(entry);
-        vRedundant.emplace_back(entry.pVtx, inserted.first->second);
+        mRedundant2UniqueVtx.emplace_back(entry.pVtx, inserted.first->second);
     }
 }
 
 void VertexVault::fixDuplicates(std::vector<Point2*>* pvHandles) {
     if (!bFullDimensional) {
         findWaitingDuplicates();
-        if (vRedundant.empty()) return;
+        if (mRedundant2UniqueVtx.empty()) return;
         sortRedundant();
         if (pvHandles != nullptr) replaceHandles(*pvHandles);
-        vRedundant.clear();
+        mRedundant2UniqueVtx.clear();
         sortIfNeeded(false);
         return;
     }
-    if (vRedundant.empty()) return;
+    if (mRedundant2UniqueVtx.empty()) return;
     sortRedundant();
-    std::size_t numFoundInIdxVtxAct = 0, numInTail = 0;
-    const auto settle = [&](IdxVtx& entry) {
-        if (usableTriangle(entry) != nullptr || !entry.bActive || findRedundant(entry.pVtx) == nullptr)
-            return;
-        deactivateEntry(entry);
-        ++numFoundInIdxVtxAct;
-    };
-    for (std::size_t i = numSorted; i < vIdxVtxAct.size(); ++i) {
-        settle(vIdxVtxAct[i]);
-    }
-    numInTail = numFoundInIdxVtxAct;
-    // Vertices that had waited, and became part of the mesh only now, may stand in the sorted part.
-    if (numInTail != vRedundant.size()) {
-        for (std::size_t i = 0; i < numSorted; ++i) {
-            settle(vIdxVtxAct[i]);
+    std::size_t numFoundInIdxVtxAct = 0;
+    const auto settleRange = [&](std::size_t from, std::size_t to) {
+        for (std::size_t i = from; i < to; ++i) {
+            IdxVtx& entry = vIdxVtxAct[i];
+            if (!entry.bActive || usableTriangle(entry) != nullptr) continue;
+            if (findRedundant(entry.pVtx) == nullptr) continue;
+            deactivateEntry(entry);
+            ++numFoundInIdxVtxAct;
         }
-    }
-    if (vRedundant.size() != numFoundInIdxVtxAct) {
-        std::cout << "BUG: mRedundant2UniqueVtx.size()=" << vRedundant.size() << std::endl
+    };
+    settleRange(numSorted, vIdxVtxAct.size());
+    // Vertices that had waited, and met the mesh only now, may stand in the sorted part.
+    if (numFoundInIdxVtxAct != mRedundant2UniqueVtx.size()) settleRange(0, numSorted);
+    if (mRedundant2UniqueVtx.size() != numFoundInIdxVtxAct) {
+        std::cout << "BUG: mRedundant2UniqueVtx.size()=" << mRedundant2UniqueVtx.size() << std::endl
                   << "     numFoundInIdxVtxAct=" << numFoundInIdxVtxAct << std::endl;
     }
-    KELM_CHECK(vRedundant.size() == numFoundInIdxVtxAct);
+    KELM_CHECK(mRedundant2UniqueVtx.size()==numFoundInIdxVtxAct);
     if (pvHandles != nullptr) replaceHandles(*pvHandles);
-    vRedundant.clear();
+    mRedundant2UniqueVtx.clear();
 }
 
 Point2* VertexVault::resolveDuplicate(Point2* pNew) {
-    KELM_CHECK(vRedundant.size() == 1 && vRedundant.front().first == pNew);
-    KELM_CHECK(vIdxVtxAct.back().pVtx == pNew);
+    KELM_CHECK(mRedundant2UniqueVtx.size()==1 && mRedundant2UniqueVtx.front().first==pNew);
+    KELM_CHECK(vIdxVtxAct.back().pVtx==pNew);
     deactivateEntry(vIdxVtxAct.back());
-    Point2* pExisting = vRedundant.front().second;
-    vRedundant.clear();
+    Point2* pExisting = mRedundant2UniqueVtx.front().second;
+    mRedundant2UniqueVtx.clear();
     return pExisting;
 }
 
@@ -485,7 +479,7 @@ void VertexVault::createFakeCorners(const Bbox2& box) {
 }
 
 Point2* VertexVault::getFakeCorner(std::size_t i) const {
-    KELM_CHECK(vFakeBoxHandles.size() > i);
+    KELM_CHECK(vFakeBoxHandles.size()>i);
     return vFakeBoxHandles[i];
 }
 

@@ -90,7 +90,7 @@ public:
     // --- duplicates ---------------------------------------------------------------------------------------
 
     /// No duplicate is pending. True at every moment outside an insertion.
-    bool dupIsClean() const noexcept { return vRedundant.empty(); }
+    bool dupIsClean() const noexcept { return mRedundant2UniqueVtx.empty(); }
     /// Records that pDup stands where pExisting already is; nothing if they are the same. Thread safe.
     void addDuplicate(Point2* pDup, Point2* pExisting);
     /// After a bulk insertion: takes redundant vertices out of the index and puts the survivors into the
@@ -123,7 +123,7 @@ private:
     template <class Matches>
     std::size_t findActive(std::uint32_t key, const Matches& matches) const;
     void deactivateEntry(IdxVtx& entry) noexcept;
-    std::size_t replaceHandles(std::vector<Point2*>& vHandles) const;
+    void replaceHandles(std::vector<Point2*>& vHandles) const;
     const std::pair<Point2*, Point2*>* findRedundant(const Point2* pVtx) const noexcept;
     void sortRedundant();
     void findWaitingDuplicates();
@@ -142,8 +142,10 @@ private:
     std::size_t numDeactivated = 0;       // removals since the last sort
     std::size_t numInactive = 0;          // entries with the flag cleared
     std::vector<Point2*> vFakeBoxHandles; // empty outside a bulk insertion with several threads; owned
-    std::vector<std::pair<Point2*, Point2*>> vRedundant; // pending: redundant vertex, the vertex in its place
-    std::mutex mtxDuplicates;                            // guards vRedundant in addDuplicate
+    // Pending duplicates: the redundant vertex and the vertex in its place. A map, as a sequence that is
+    // sorted once all are known.
+    std::vector<std::pair<Point2*, Point2*>> mRedundant2UniqueVtx;
+    std::mutex mtxDuplicates; // guards mRedundant2UniqueVtx in addDuplicate
 
     // While not full-dimensional: what is known of the leading entries, so that a long line of points that
     // arrive one by one is not searched anew for each. Forgotten whenever entries move.

@@ -5,9 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <string>
-#include <vector>
+#include <array>
+#include <numeric>
 
 using namespace QUOR_KELM25D;
 
@@ -22,147 +21,69 @@ extern "C" const char* __tsan_default_options() {
 namespace {
 
 // Of odd size, so that no container is exactly as large as what the heap sets aside for it.
-struct Record {
-    unsigned char bytes[21];
-};
+using Record = std::array<unsigned char, 21>;
+using Huge = std::array<char, std::size_t(1) << 40>;
 
-void setId(Record& record, int id) {
-    std::memset(record.bytes, id, sizeof record.bytes);
-    std::memcpy(record.bytes, &id, sizeof id);
-}
-
-int getId(const Record& record) {
-    int id;
-    std::memcpy(&id, record.bytes, sizeof id);
-    return id;
-}
-
-// The sizes of the containers that n allocations fill, seen from outside: a new one begins where the next
-// record does not follow the last. Fills every record, so that a sanitizer sees a container that is too
-// small.
-std::vector<int> getContainerSizes(SimplePool<Record>& pool, int n) {
+// Allocates and fills n records, so that a sanitizer sees a container that is too small, and expects them to
+// be all that the pool holds, unchanged and in order. The result is the sizes of the containers, seen from
+// outside: a new one begins where the next record does not follow the last.
+std::vector<int> fill(SimplePool<Record>& pool, int n) {
+    EXPECT_EQ(pool.size(), 0u);
     std::vector<int> vSizes;
-    const Record* pLast = nullptr;
+    const Record* pEnd = nullptr;
     for (int i = 0; i < n; ++i) {
         Record* p = pool.allocate();
-        setId(*p, i);
-        if (pLast == nullptr || p != pLast + 1) vSizes.push_back(0);
+        p->fill(static_cast<unsigned char>(i));
+        if (p != pEnd) vSizes.push_back(0);
         ++vSizes.back();
-        pLast = p;
+        pEnd = p + 1;
     }
+    int next = 0; // negative once a record has been out of order
+    pool.forEach([&](const Record& r) { next = r[0] == next % 256 && r[20] == next % 256 ? next + 1 : -1; });
+    EXPECT_TRUE(next == n && pool.size() == static_cast<std::size_t>(n));
     return vSizes;
 }
-
-void expectIdsInOrder(const SimplePool<Record>& pool, int n) {
-    EXPECT_EQ(pool.size(), static_cast<std::size_t>(n));
-    int expected = 0;
-    pool.forEach([&](const Record& record) {
-        EXPECT_EQ(getId(record), expected);
-        ++expected;
-    });
-    EXPECT_EQ(expected, n);
-}
-
-} // namespace
-
-TEST(SimplePool, SecondContainerIsHalfThenSizesDoubleToTheLimit) {
-    struct Case {
-        int initialSize;
-        int maxContainerSize;
-        int n;
-        std::vector<int> vSizes;
-    };
-    const Case cases[] = {
-        {100, 1000, 850, {100, 50, 100, 200, 400}},
-        {1, 1000, 15, {1, 1, 2, 4, 7}},
-        {3, 1000, 10, {3, 1, 2, 4}},
-        {10, 25, 75, {10, 5, 10, 20, 25, 5}},
-        {100, 30, 160, {100, 30, 30}},
-        {0, 1000, 4, {1, 1, 2}},
-        {-5, -5, 3, {1, 1, 1}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.initialSize << ", limit " << c.maxContainerSize);
-        SimplePool<Record> pool;
-        pool.init(c.initialSize, c.maxContainerSize);
-        EXPECT_EQ(pool.size(), 0u);
-        EXPECT_EQ(getContainerSizes(pool, c.n), c.vSizes);
-        expectIdsInOrder(pool, c.n);
-    }
-}
-
-TEST(SimplePool, ResetOfASingleContainerStartsAtItsFirstRecord) {
-    SimplePool<Record> pool;
-    pool.init(4, 100);
-    Record* pFirst = pool.allocate();
-    pool.allocate();
-    pool.reset();
-    EXPECT_EQ(pool.size(), 0u);
-    EXPECT_EQ(pool.allocate(), pFirst);
-}
-
-TEST(SimplePool, ResetOfAGrownPoolGoesOnFromTheLastSize) {
-    SimplePool<Record> pool;
-    pool.init(6, 1000);
-    Record* pFirst = pool.allocate();
-    pool.reset();
-    EXPECT_EQ(getContainerSizes(pool, 27), (std::vector<int>{6, 3, 6, 12}));
-    pool.reset();
-    expectIdsInOrder(pool, 0);
-    // The container that follows the first one is always half of the last size, here of 12.
-    EXPECT_EQ(getContainerSizes(pool, 24), (std::vector<int>{6, 6, 12}));
-    expectIdsInOrder(pool, 24);
-    pool.reset();
-    EXPECT_EQ(pool.allocate(), pFirst);
-}
-
-TEST(SimplePool, LargeContainersAreUsableToTheLastByte) {
-    SimplePool<Record> pool;
-    const int n = 400000; // 8.4 MB, the advice about pages included
-    pool.init(n, n);
-    EXPECT_EQ(getContainerSizes(pool, n), std::vector<int>{n});
-    expectIdsInOrder(pool, n);
-}
-
-TEST(SimplePool, SecondInitIsReportedAndAddsAContainer) {
-    CoutCapture capture;
-    SimplePool<Record> pool;
-    pool.init(2, 10);
-    getContainerSizes(pool, 1);
-    EXPECT_EQ(capture.take(), "");
-    pool.init(5, 10);
-    EXPECT_EQ(capture.take(), "SimplePool::init(..), ERROR: This pool is already initialized\n");
-    EXPECT_EQ(getContainerSizes(pool, 5), std::vector<int>{5});
-    EXPECT_EQ(pool.size(), 6u);
-}
-
-namespace {
-
-struct Huge {
-    char bytes[std::size_t(1) << 40];
-};
 
 struct OtherTraits {
     static constexpr const char* textOutOfMemory = "SimplePool::alloc(..), ERROR: Out of memory, sorry";
     static constexpr std::size_t manyContainers = 50;
 };
 
-template <class Traits>
-std::string getTextsOfPoolWith(int numContainers) {
-    CoutCapture capture;
-    {
-        SimplePool<char, Traits> pool;
-        pool.init(1, 1);
-        for (int i = 0; i < numContainers; ++i)
-            pool.allocate();
-    }
-    return capture.take();
-}
-
 } // namespace
 
-TEST(SimplePool, ExhaustedMemoryIsALineAndNothingElse) {
+TEST(SimplePool, SecondContainerIsHalfThenSizesDoubleToTheLimit) {
+    const std::tuple<int, int, std::vector<int>> aCase[] = {
+        {100, 1000, {100, 50, 100, 200, 400}},
+        {1, 1000, {1, 1, 2, 4, 7}},
+        {11, 25, {11, 5, 10, 20, 25, 5}},
+        {100, 30, {100, 30, 30}},
+        {-5, -5, {1, 1, 1}},
+        {400000, 400000, {400000}}}; // 8.4 MB, the advice about pages included
+    for (const auto& [initialSize, maxContainerSize, vSizes] : aCase) {
+        SimplePool<Record> pool;
+        pool.init(initialSize, maxContainerSize);
+        EXPECT_EQ(fill(pool, std::accumulate(vSizes.begin(), vSizes.end(), 0)), vSizes);
+    }
+}
+
+TEST(SimplePool, ResetKeepsTheFirstContainerAndGoesOnFromTheLastSize) {
+    SimplePool<Record> pool;
+    pool.init(6, 1000);
+    pool.allocate();
+    pool.reset();
+    EXPECT_EQ(fill(pool, 27), (std::vector<int>{6, 3, 6, 12}));
+    pool.reset();
+    // The container that follows the first one is always half of the last size, here of 12.
+    EXPECT_EQ(fill(pool, 24), (std::vector<int>{6, 6, 12}));
+}
+
+TEST(SimplePool, MisuseAndExhaustedMemoryAreALineAndNothingElse) {
     CoutCapture capture;
+    SimplePool<Record> twice;
+    twice.init(2, 10);
+    twice.init(5, 10);
+    EXPECT_EQ(capture.take(), "SimplePool::init(..), ERROR: This pool is already initialized\n");
+    EXPECT_EQ(fill(twice, 5), std::vector<int>{5});
     SimplePool<Huge> pool;
     pool.init(2000000000, 1); // also more bytes than size_t can count
     EXPECT_EQ(capture.take(), "SimplePool::alloc(..), ERROR: Out of memory\n");
@@ -173,9 +94,17 @@ TEST(SimplePool, ExhaustedMemoryIsALineAndNothingElse) {
 }
 
 TEST(SimplePool, ManyContainersAreReportedAtTheEnd) {
+    CoutCapture capture;
+    const auto release = [](auto traits, int numContainers) {
+        SimplePool<char, decltype(traits)> pool;
+        pool.init(1, 1);
+        for (int i = 0; i < numContainers; ++i)
+            pool.allocate();
+    };
+    release(SimplePoolTraits(), 1000);
+    release(SimplePoolTraits(), 1001);
+    release(OtherTraits(), 50);
+    release(OtherTraits(), 51);
     const std::string start = "SimplePool::~SimplePool: Number of containers to release: ";
-    EXPECT_EQ(getTextsOfPoolWith<SimplePoolTraits>(1000), "");
-    EXPECT_EQ(getTextsOfPoolWith<SimplePoolTraits>(1001), start + "1001\n");
-    EXPECT_EQ(getTextsOfPoolWith<OtherTraits>(50), "");
-    EXPECT_EQ(getTextsOfPoolWith<OtherTraits>(51), start + "51\n");
+    EXPECT_EQ(capture.take(), start + "1001\n" + start + "51\n");
 }

@@ -56,7 +56,8 @@ public:
     void insert(const std::vector<Point2>& v, std::vector<Point2*>& handles);
 
     /// The same from numPoints triples x, y, z at aCoordinates. aHandles has room for numPoints vertices, in
-    /// input order. A numPoints of 0 or less does nothing. Custom indices are -1.
+    /// input order. A numPoints of 0 or less does nothing, nor, after an error line, a null array. Custom
+    /// indices are -1.
     void insert(int numPoints, double* aCoordinates, Point2** aHandles);
 
     /// Whether triangles exist: true from the third non-collinear point on.

@@ -1,4 +1,4 @@
-// Catches what goes to std::cout while an object of this class lives.
+// Catches what goes to std::cout, or to another stream, while an object of this class lives.
 // What the C library prints passes by it.
 #pragma once
 
@@ -8,8 +8,9 @@
 
 class CoutCapture {
 public:
-    CoutCapture() : pSaved(std::cout.rdbuf(text.rdbuf())) {}
-    ~CoutCapture() { std::cout.rdbuf(pSaved); }
+    explicit CoutCapture(std::ostream& captured = std::cout)
+        : stream(captured), pSaved(captured.rdbuf(text.rdbuf())) {}
+    ~CoutCapture() { stream.rdbuf(pSaved); }
     CoutCapture(const CoutCapture&) = delete;
     CoutCapture& operator=(const CoutCapture&) = delete;
 
@@ -22,5 +23,6 @@ public:
 
 private:
     std::ostringstream text;
+    std::ostream& stream;
     std::streambuf* pSaved;
 };

@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -24,6 +26,11 @@ public:
     ScratchDirectory& operator=(const ScratchDirectory&) = delete;
 
 private:
-    std::filesystem::path previous;
-    std::filesystem::path path;
+    std::filesystem::path previous, path;
 };
+
+/// The bytes of a file, none if it can't be read.
+inline std::string readFile(const std::string& filename) {
+    std::ifstream file(filename, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}

@@ -1,0 +1,109 @@
+// Hilbert keys and the sorts along them.
+// What the vertex store makes of sorted entries is tested in vertex_vault_test.cpp.
+#include "CoutCapture.h"
+#include "hilbertSort.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+using namespace QUOR_KELM25D;
+
+namespace {
+
+// Keys ascend, and all of the input, which has each position once, is still there.
+void expectSorted(std::vector<KeyPos> vKeys, const std::vector<KeyPos>& vInput) {
+    const auto byKey = [](const KeyPos& a, const KeyPos& b) { return a.key < b.key; };
+    ASSERT_TRUE(std::is_sorted(vKeys.begin(), vKeys.end(), byKey));
+    std::sort(vKeys.begin(), vKeys.end(), [](const KeyPos& a, const KeyPos& b) { return a.pos < b.pos; });
+    const auto same = [](const KeyPos& a, const KeyPos& b) { return a.key == b.key && a.pos == b.pos; };
+    ASSERT_TRUE(std::equal(vKeys.begin(), vKeys.end(), vInput.begin(), vInput.end(), same));
+}
+
+} // namespace
+
+TEST(HilbertKey, CurveVisitsNeighbouringCellsAndRefinesItself) {
+    const int aPlace[] = {0, 10, 11, 1, 2, 3, 13, 12, 22, 23, 33, 32, 31, 21, 20, 30}; // x and y as digits
+    for (unsigned key = 0; key < 16; ++key)
+        EXPECT_EQ(key, HC2(0, 0, 4, 4, 4).getIdx(aPlace[key] / 10 + 0.5, aPlace[key] % 10 + 0.5));
+    std::vector<Point2> vCells(1024);
+    for (int i = 0; i < 1024; ++i) {
+        const Point2 p(i % 32 - 31.5, i / 32 + 0.5, i);
+        vCells.at(HC2(-32, 0, 0, 32, 10).getIdx(p)) = p;
+    }
+    for (int i = 1; i < 1024; ++i) {
+        EXPECT_EQ(1, std::fabs(vCells[i].x() - vCells[i - 1].x()) +
+                         std::fabs(vCells[i].y() - vCells[i - 1].y()));
+    }
+    // Fewer bits are the leading bits of longer keys: the fast way for 30 bits agrees with the others.
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 10000; ++i) {
+        const Point2 p(random() % 99999, random() % 99999, 0);
+        for (unsigned numBits : {2, 10, 28, 30}) {
+            ASSERT_EQ(HC2(0, 0, 1e5, 1e5, 32).getIdx(p) >> (32 - numBits),
+                      HC2(0, 0, 1e5, 1e5, numBits).getIdx(p));
+        }
+    }
+    for (unsigned numBits : {29U, 34U}) {
+        CoutCapture capture;
+        const HC2 bad(0, 0, 1, 1, numBits);
+        EXPECT_NE(std::string::npos, capture.take().find("HC2::HC2(..), ERROR: invalid bitlength"));
+    }
+}
+
+TEST(HilbertSort, OneAndFourPartsSortKeysAndEntries) {
+    std::mt19937_64 random(2);
+    for (std::uint32_t n : {0, 1, 9999, 10000, 30000}) {
+        for (std::uint32_t range : {1U, 5U, 1U << 30}) {
+            for (int numCPU : {1, 3, 4, 8}) {
+                SCOPED_TRACE(testing::Message() << n << " keys below " << range << ", CPUs: " << numCPU);
+                std::vector<KeyPos> vKeys, vActive, vFound;
+                std::vector<IdxVtx> vEntries;
+                std::vector<Point2> vPoints(n);
+                for (std::uint32_t i = 0; i < n; ++i) {
+                    vKeys.push_back({static_cast<std::uint32_t>(random() % range), i});
+                    vEntries.push_back({vKeys[i].key, random() % 4 != 0, &vPoints[i]});
+                    if (vEntries[i].bActive) vActive.push_back(vKeys[i]);
+                    if (i == n / 2) sortEntries(vEntries, 0, numCPU);
+                }
+                const std::vector<KeyPos> vInput = vKeys;
+                sortKeys(vKeys, numCPU);
+                expectSorted(vKeys, vInput);
+                sortEntries(vEntries, std::min(n, n / 2 + 1), numCPU);
+                for (const IdxVtx& entry : vEntries) {
+                    const auto pos = static_cast<std::uint32_t>(entry.pVtx - vPoints.data());
+                    if (entry.bActive) vFound.push_back({entry.hcKey, pos});
+                }
+                expectSorted(vFound, vActive);
+                // In four parts the inactive entries deliberately stand at the end of each part.
+                const auto isActive = [](const IdxVtx& entry) { return entry.bActive; };
+                EXPECT_TRUE((n > 9999 && numCPU > 3) ||
+                            std::is_partitioned(vEntries.begin(), vEntries.end(), isActive));
+            }
+        }
+    }
+}
+
+TEST(HilbertSort, RefinedRunsKeepKeysAndBringNeighboursTogether) {
+    std::mt19937_64 random(3);
+    std::vector<Point2> vPoints;
+    std::vector<KeyPos> vInput;
+    for (std::uint32_t i = 0; i < 3000; ++i) { // one run of many places, one of one place, short ones
+        vPoints.emplace_back(i < 2000 ? random() % 1000 : 5, i < 2000 ? random() % 1000 : 5, 0);
+        vInput.push_back({i < 2000 ? 7 : (i < 2500 ? 8 : 9 + i / 10), i});
+    }
+    std::vector<KeyPos> vKeys = vInput;
+    refineEqualKeys(
+        vKeys, [&](std::uint32_t i) { return vPoints[i].x(); },
+        [&](std::uint32_t i) { return vPoints[i].y(); });
+    expectSorted(vKeys, vInput);
+    double length = 0.0; // of the path through the first run, about 1000000 unsorted
+    for (std::size_t i = 1; i < 2000; ++i) {
+        const Point2 &a = vPoints[vKeys[i - 1].pos], &b = vPoints[vKeys[i].pos];
+        length += std::hypot(a.x() - b.x(), a.y() - b.y());
+    }
+    EXPECT_LT(length, 100000.0);
+}

@@ -1,0 +1,195 @@
+// The geometric predicates against an evaluation by GMP, and the exact constructions.
+// What the triangulation makes of them is tested in insertion_test.cpp.
+#include "CoutCapture.h"
+#include "QuorTest.h"
+#include "ScratchDirectory.h"
+#include "exactSigns.h"
+
+#include <kelm25d/KelmException.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cfenv>
+#include <cmath>
+#include <gmpxx.h>
+#include <random>
+#include <set>
+#include <vector>
+
+using namespace QUOR_KELM25D;
+
+namespace {
+
+constexpr int numCases = 500000; // of an orientation and an in-circle test each
+
+// Exact: differences of doubles have at most 2098 bits, and at most four are multiplied.
+mpf_class difference(double a, double b) {
+    return mpf_class(a, 16384) - mpf_class(b, 16384);
+}
+
+// 1 counterclockwise or inside, 2 clockwise or outside, 0 between.
+int toResult(int sign) {
+    return sign > 0 ? 1 : (sign < 0 ? 2 : 0);
+}
+
+int orientationByGmp(const Point2& a, const Point2& b, const Point2& c) {
+    return toResult(cmp(difference(b.x(), a.x()) * difference(c.y(), a.y()),
+                        difference(b.y(), a.y()) * difference(c.x(), a.x())));
+}
+
+int inCircleByGmp(const std::vector<Point2>& v) {
+    mpf_class det(0, 16384);
+    for (int i = 0, j = 1, k = 2; i < 3; j = k, k = i++) {
+        const mpf_class x = difference(v[i].x(), v[3].x()), y = difference(v[i].y(), v[3].y());
+        det += (x * x + y * y) * (difference(v[j].x(), v[3].x()) * difference(v[k].y(), v[3].y()) -
+                                  difference(v[k].x(), v[3].x()) * difference(v[j].y(), v[3].y()));
+    }
+    return toResult(sgn(det));
+}
+
+// Makes n points on one line or one circle but for rounding and the last bits: on a small grid, with
+// coordinates of very different size, or anywhere; at one scale after the other, from denormals to
+// differences that overflow.
+class CaseMaker {
+public:
+    std::vector<Point2> next(int n, bool bCircle) {
+        static const double aScales[] = {1,     1e-3,   1e-12,  1e80,   1e150,  1e300, 2e307,
+                                         1e-80, 1e-105, 1e-155, 1e-160, 1e-300, 1e-320};
+        const double scale = aScales[count % 13], offset = scale <= 1 && count % 3 == 0 ? 4.5e6 * scale : 0;
+        const int family = count++ / 39 % 4;
+        const double ax = unit(), ay = unit(), bx = unit(), by = unit();
+        std::vector<Point2> vPoints;
+        for (int i = 0; i < n; ++i) {
+            const double t = family == 1 ? std::ldexp(unit(), -25 * i) : 6.3 * unit() - 3.0;
+            double x = ax + t * (bx - ax), y = ay + t * (by - ay);
+            if (bCircle) x = bx + ax * std::cos(t), y = by + ax * std::sin(t);
+            if (family == 1) x = bCircle ? 2.0 * ax * std::pow(std::sin(t / 2.0), 2) : t;
+            if (family == 1) y = bCircle ? ax * std::sin(t) : t * ay;
+            if (family == 0) x = std::floor(8 * unit()), y = std::floor(8 * unit());
+            x = offset + scale * x, y = offset + scale * y;
+            for (int k = 0; family != 0 && k < 2; ++k)
+                (unit() < 0.5 ? x : y) = std::nextafter(unit() < 0.5 ? x : y, unit() - 0.5);
+            vPoints.emplace_back(x, y, unit());
+        }
+        return vPoints;
+    }
+
+private:
+    double unit() { return std::uniform_real_distribution<double>(0.0, 1.0)(random); }
+
+    std::mt19937_64 random{4711};
+    int count = 0;
+};
+
+// What a call prints that fails a check.
+template <class Call>
+std::string failureOf(const Call& call) {
+    const ScratchDirectory directory; // for the log
+    CoutCapture capture;
+    EXPECT_THROW(call(), KelmException);
+    return capture.take();
+}
+
+} // namespace
+
+TEST(Predicates, NearDegenerateCasesAgreeWithGmp) {
+    CaseMaker maker;
+    for (int i = 0; i < numCases; ++i) {
+        SCOPED_TRACE(i);
+        std::vector<Point2> v = maker.next(4, i % 2 == 0);
+        Point2 *a = &v[0], *b = &v[1], *c = &v[2], *q = &v[3];
+        const int orientation = orientationByGmp(*a, *b, *c);
+        QuorTest quorTest;
+        quorTest.updateRange(a, b, c);
+        ASSERT_EQ(orientation, getOrientation2(a, b, c));
+        ASSERT_EQ(orientation, getOrientation2_mt(a, b, c));
+        ASSERT_EQ(orientation, quorTest.getOrientation2Filtered(a, b, c));
+        ASSERT_EQ(orientation, quorTest.getOrientation2(a, b, c));
+        ASSERT_EQ(orientation, quorTest.getOrientationExact(a, b, c));
+        ASSERT_EQ(FE_TONEAREST, std::fegetround());
+        int sign = orientation == 2 ? -1 : orientation; // stays when the coordinates do not fit
+        orientationSignInIntegers({a->x(), a->y(), b->x(), b->y(), c->x(), c->y()}, sign);
+        ASSERT_EQ(orientation, toResult(sign));
+
+        if (orientation == 0) continue;
+        if (orientation == 2) std::swap(*b, *c);
+        Triangle2 t;
+        t.setProperties(a, b, c);
+        const int expected = inCircleByGmp(v);
+        const std::set<double> sX{a->x(), b->x(), c->x(), q->x()}, sY{a->y(), b->y(), c->y(), q->y()};
+        const bool bRectangle = sX.size() * sY.size() == 4 && *q != *a && *q != *b && *q != *c;
+        ASSERT_EQ(expected, quorTest.circleIncFiltered(&t, q));
+        ASSERT_EQ(expected, quorTest.circleIncExact(&t, q));
+        // Deliberately the fourth corner of a rectangle counts as inside here only.
+        ASSERT_EQ(expected == 1 || bRectangle, quorTest.circleInc(&t, q));
+        sign = expected == 2 ? -1 : expected;
+        inCircleSignInIntegers({a->x(), a->y(), b->x(), b->y(), c->x(), c->y(), q->x(), q->y()}, sign);
+        ASSERT_EQ(expected, toResult(sign));
+    }
+}
+
+TEST(Predicates, ConstructionsAreTheNearestDoubles) {
+    CaseMaker maker;
+    QuorTest quorTest;
+    for (int i = 0; i < 3000; ++i) {
+        const std::vector<Point2> v = maker.next(4, i % 2 != 0); // nearly collinear ones too
+        const mpq_class x[] = {v[0].x(), v[1].x(), v[2].x(), v[3].x()};
+        const mpq_class y[] = {v[0].y(), v[1].y(), v[2].y(), v[3].y()};
+        const auto cross = [&](int a, int b, int p, int q) -> mpq_class {
+            return (x[b] - x[a]) * (y[q] - y[p]) - (y[b] - y[a]) * (x[q] - x[p]);
+        };
+        const mpq_class denominator = cross(0, 1, 2, 3), area = cross(0, 1, 0, 2), z = v[0].z();
+        if (denominator == 0 || area == 0) continue;
+        const mpq_class t = cross(0, 2, 2, 3) / denominator;
+        double aFound[3];
+        quorTest.getIntersectionCoords(&v[0], &v[1], &v[2], &v[3], aFound[0], aFound[1]);
+        aFound[2] = quorTest.getHeightExact(&v[0], &v[1], &v[2], v[3].x(), v[3].y());
+        const mpq_class aExact[] = {
+            x[0] + t * (x[1] - x[0]), y[0] + t * (y[1] - y[0]),
+            z + (cross(0, 3, 0, 2) * (v[1].z() - z) + cross(0, 1, 0, 3) * (v[2].z() - z)) / area};
+        for (int k = 0; k < 3; ++k) {
+            for (double side : {-1e308, 1e308}) {
+                if (std::fabs(aFound[k]) > 1e308) continue;
+                EXPECT_LE(abs(aFound[k] - aExact[k]), abs(std::nextafter(aFound[k], side) - aExact[k]));
+            }
+        }
+    }
+}
+
+TEST(Predicates, SegmentsMeetInAllPositions) {
+    const Point2 o(0, 0, 0), e(4, 0, 0), n(0, 4, 0), ne(4, 4, 0), m(2, 2, 0), far(9, 9, 0);
+    const Point2 p0(100, -5000, 0), p1(101, 5000, 0), q0(101, -5000, 0), q1(100, 5000, 0);
+    struct Case {
+        Point2 a, b, c, d;
+        int expected;
+        double x, y; // of getIntersection2D, infinite where it fails
+    };
+    const Case aCases[] = {
+        {o, ne, e, n, 2, 2, 2},          {o, ne, n, m, 2, 2, 2},          {o, e, e, n, 2, 4, 0},
+        {o, m, m, far, 1, 2, 2},         {o, e, m, ne, 0, 0, 0}, // the end nearest to the lines' intersection
+        {p0, p1, q0, q1, 2, 100.5, 0},                           // too steep for double arithmetic
+        {o, m, ne, far, 0, INFINITY, 0}, {o, ne, m, far, 1, INFINITY, 0}, {o, e, n, ne, 0, INFINITY, 0}};
+    for (const Case& k : aCases) {
+        SCOPED_TRACE(&k - aCases);
+        EXPECT_EQ(k.expected, QuorTest().segmentsIntersect(&k.a, &k.b, &k.c, &k.d));
+        EXPECT_EQ(k.expected, QuorTest().segmentsIntersect(&k.d, &k.c, &k.a, &k.b));
+        double x = INFINITY, y = 0.0;
+        const auto intersect = [&] { getIntersection2D(&k.a, &k.b, &k.c, &k.d, x, y); };
+        if (std::isfinite(k.x))
+            intersect();
+        else
+            EXPECT_NE(std::string::npos, failureOf(intersect).find("denom=0 -> parallel segments"));
+        EXPECT_EQ(std::make_pair(k.x, k.y), std::make_pair(x, y));
+    }
+}
+
+TEST(Predicates, NullPointsFailTheirChecks) {
+    const Point2 p(1, 2, 3);
+    for (auto* f : {&getOrientation2, &getOrientation2_mt}) {
+        EXPECT_NE(std::string::npos, failureOf([&] { f(nullptr, &p, &p); }).find("[ p0!=0 failed ]"));
+        EXPECT_NE(std::string::npos, failureOf([&] { f(&p, nullptr, &p); }).find("[ p1!=0 failed ]"));
+        EXPECT_NE(std::string::npos, failureOf([&] { f(&p, &p, nullptr); }).find("[ p2!=0 failed ]"));
+    }
+    EXPECT_EQ("UNKNOWN", getString(static_cast<Orientation2>(7)));
+}

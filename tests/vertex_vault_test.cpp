@@ -1,0 +1,91 @@
+// The vertex store on its own, where the triangulation does not show what it does.
+// Duplicates and handles of whole insertions are in bulk_test.cpp.
+#include "CoutCapture.h"
+#include "ScratchDirectory.h"
+#include "VertexVault.h"
+
+#include <kelm25d/KelmException.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+using namespace QUOR_KELM25D;
+
+namespace {
+
+// A store of random vertices with what it needs of its owner.
+struct OwnVault {
+    SimplePool<Point2> pool;
+    HC2 hilbert{0, 0, 1000, 1000, 30};
+    QuorTest quorTest;
+    int numCPU = 1;
+    VertexVault vault{pool, hilbert, quorTest, numCPU};
+    std::vector<Point2*> vVertices;
+    std::mt19937_64 random{5};
+
+    OwnVault() { pool.init(10, 1000); }
+    void addRandom(int n) {
+        for (; n > 0; --n) {
+            vVertices.push_back(vault.makeVertex(Point2(random() % 1000, random() % 1000, 0)));
+            vault.addVertex(hilbert.getIdx(*vVertices.back()), vVertices.back());
+        }
+    }
+    bool isSorted() const {
+        VertexVault::EntryIterator first, last;
+        vault.getRange(0, first, last);
+        return std::is_sorted(first, last,
+                              [](const IdxVtx& a, const IdxVtx& b) { return a.hcKey < b.hcKey; });
+    }
+};
+
+} // namespace
+
+TEST(VertexVault, SearchesPassOverVerticesWithoutTriangleAndFindAllOthers) {
+    OwnVault own;
+    EXPECT_EQ(nullptr, own.vault.getVertexPointer(Point2(0.5, 0.5, 0)));
+    own.addRandom(2000);
+    own.vault.sortIfNeeded(false);
+    own.addRandom(500);
+    own.vault.setFullDimensional(true);
+    const ScratchDirectory directory; // for the log
+    CoutCapture capture;
+    EXPECT_THROW(own.vault.getCloT(0), KelmException);
+    EXPECT_NE(std::string::npos, capture.take().find("Vault, ERROR: getCloT() failed"));
+    for (int first : {2400, 700}) { // in the unsorted part, then in the sorted one
+        Point2** v = &own.vVertices[first];
+        Triangle2 t;
+        t.setProperties(v[0], v[1], v[2]);
+        for (std::uint32_t key : {0U, 1U << 29, (1U << 30) - 1})
+            EXPECT_EQ(&t, own.vault.getCloT(key));
+        for (Point2* pVtx : {v[0], v[1], v[2]}) {
+            EXPECT_NE(2147483647U, own.vault.getIdxOfActiveVtx(pVtx));
+            own.vault.deactivate(pVtx);
+            EXPECT_EQ(2147483647U, own.vault.getIdxOfActiveVtx(pVtx));
+            EXPECT_NE(std::string::npos, capture.take().find("getIdxOfActiveVtx, ERROR: pQuery not found"));
+        }
+    }
+    own.vault.getVertexPointers(own.vVertices);
+    for (const Point2* pVtx : own.vVertices)
+        ASSERT_EQ(*pVtx, *own.vault.getVertexPointer(*pVtx));
+}
+
+TEST(VertexVault, RebuildsOnlyPastTheThresholds) {
+    OwnVault own;
+    own.addRandom(2000);
+    own.vault.sortIfNeeded(false);
+    own.vault.setFullDimensional(true);
+    own.addRandom(700); // 1.35 times the sorted part is not above it
+    for (bool bSorted : {false, true}) {
+        own.vault.sortIfNeeded(true);
+        EXPECT_EQ(bSorted, own.isSorted());
+        own.addRandom(bSorted ? 0 : 1);
+    }
+    for (int i = 0; i <= 1350; ++i) { // the last one is more than half of the sorted part
+        own.vault.deactivate(own.vVertices[i]);
+        own.vault.sortIfNeeded(true);
+        ASSERT_EQ(i < 1350 ? 2701U : 1350U, own.vault.size());
+    }
+}
