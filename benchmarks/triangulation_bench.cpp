@@ -36,13 +36,14 @@ void Growth(benchmark::State& state) {
         dt.insert(vPoints);
         benchmark::DoNotOptimize(dt.getImpl());
     }
-    state.SetComplexityN(state.range(0));
 }
 BENCHMARK(Growth)
-    ->RangeMultiplier(2)
-    ->Range(250000, 4000000)
-    ->Unit(benchmark::kMillisecond)
-    ->Complexity(benchmark::oN);
+    ->Arg(250000)
+    ->Arg(500000)
+    ->Arg(1000000)
+    ->Arg(2000000)
+    ->Arg(4000000)
+    ->Unit(benchmark::kMillisecond);
 
 void SingleInsertion(benchmark::State& state) {
     const std::vector<Point2> vPoints = bench::makePoints(bench::UNIFORM, static_cast<int>(state.range(0)));
