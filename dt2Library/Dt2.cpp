@@ -16,7 +16,6 @@ namespace {
 // A block of the pools is at most this many records; the numbers bound one allocation.
 constexpr int maxVerticesPerBlock = 3125000;
 constexpr int maxTrianglesPerBlock = 4166666;
-constexpr std::size_t flipStackReserve = 64;
 constexpr unsigned hilbertBits = 30;
 
 int toBlockSize(double numRecords) noexcept {
@@ -31,7 +30,6 @@ Dt2::Dt2(unsigned numExpectedVertices)
     const unsigned numExpected = std::max(3U, numExpectedVertices);
     vertexPool.init(toBlockSize(numExpected), maxVerticesPerBlock);
     trianglePool.init(toBlockSize(2.0 * numExpected + 10.0), maxTrianglesPerBlock);
-    vFlipStack.reserve(flipStackReserve);
 }
 
 Dt2::~Dt2() = default;
@@ -81,6 +79,7 @@ bool Dt2::startTriangulation(std::size_t numPreExistingVtx) {
     Triangle2* pFirst = createTriangle(a, b, c);
     VertexVault::EntryIterator startIt, stopIt;
     vertexVault.getRange(0, startIt, stopIt);
+    using std::distance; // the check prints its condition as it stands
     KELM_CHECK(numPreExistingVtx<=(size_t)distance(startIt,stopIt));
     // The three corners are met again among the entries and recognised as already present.
     const auto middle = startIt + static_cast<std::ptrdiff_t>(numPreExistingVtx);
@@ -89,14 +88,16 @@ bool Dt2::startTriangulation(std::size_t numPreExistingVtx) {
     return true;
 }
 
+/// Storage for one more triangle, its contents undefined.
+Triangle2* Dt2::takeTriangle() {
+    if (vDeadTriangles.empty()) return trianglePool.allocate();
+    Triangle2* pT = vDeadTriangles.back();
+    vDeadTriangles.pop_back();
+    return pT;
+}
+
 Triangle2* Dt2::createTriangle(Point2* a, Point2* b, Point2* c) {
-    Triangle2* pT;
-    if (vDeadTriangles.empty()) {
-        pT = trianglePool.allocate();
-    } else {
-        pT = vDeadTriangles.back();
-        vDeadTriangles.pop_back();
-    }
+    Triangle2* pT = takeTriangle();
     pT->setProperties(a, b, c);
     return pT;
 }

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "HC2.h"
+#include "MeshInserter.h"
 #include "ProgressPublisher.h"
 #include "QuorTest.h"
 #include "SimplePool.h"
@@ -16,14 +17,23 @@
 
 #include <kelm25d/Bbox2.h>
 #include <kelm25d/Edge2.h>
+#include <kelm25d/Segment2.h>
 #include <kelm25d/TriangleAroundVertexIterator.h>
 
 #include <map>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace QUOR_KELM25D {
+
+class Visualizer2;
+class Visualizer3;
+
+/// Name prefix of a debug drawing: a process-wide count in five columns, so that the files of a run stay
+/// apart and in order.
+std::string nextDebugPrefix();
 
 class Dt2 {
 public:
@@ -52,38 +62,70 @@ public:
 
     void insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHandles = nullptr);
     void insertArray(int numPoints, const double* aCoordinates, Point2** aHandles);
+    /// From how many vertices on a bulk insertion uses several threads; at least 1000.
+    void setMinParallelInsertion(std::size_t n) { minParallelInsertion = n; }
     double measureTriangulationTime(const std::vector<Point2>& v) const;
 
-    // --- Dt2_location.cpp: the walk, splits and flips -----------------------------------------------------
+    // --- Dt2_location.cpp: how a vertex enters the mesh ---------------------------------------------------
 
     /// Puts a stored vertex into the mesh; the result is a triangle near it, the start for the next one.
     Triangle2* insertVertex(Point2* q, Triangle2* pStart);
-    /// Walks from pT to q. -1: q lies in pT, on its inner edge edgeIdx unless that is -1. 0 to 2: q lies
-    /// outside the hull or on it, and that is the hull edge of pT to start from. 4: q has the place of a
-    /// corner of pT.
-    int locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx);
-    /// Turns edge i of pT around without any test. What stood at index i of pT then stands at index 0 of both
-    /// triangles.
-    void flip(Triangle2* pT, int i);
+    /// See MeshInserter::locateFrom.
+    int locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx) {
+        return inserter.locateFrom(q, pT, edgeIdx);
+    }
+    /// See MeshInserter::flip.
+    static void flip(Triangle2* pT, int i) { MeshInserter::flip(pT, i); }
     /// Whether the edge has a neighbour and the two triangles form a strictly convex quadrilateral.
     bool canBeFlipped(const Triangle2* pT, int i);
     /// Restores the Delaunay property around a vertex by flips that spread from its link.
     void legalizeAround(Point2* pVtx);
 
-    // --- Dt2_removal.cpp ----------------------------------------------------------------------------------
+    // --- Dt2_removal.cpp: vertices leave ------------------------------------------------------------------
 
+    /// Takes a vertex out of the triangulation. Misuse is met with a warning.
+    void remove(Point2* pVtx);
     /// Takes a vertex of the hull out of the mesh, and out of the vault with bDeactivate.
     void remove(Point2* pVtx, bool bDeactivate);
 
-    // --- Dt2_output.cpp -----------------------------------------------------------------------------------
+    // --- Dt2_queries.cpp: questions -----------------------------------------------------------------------
+
+    Triangle2* locate(const Point2& p);
+    Triangle2* getAdjacentTriangle(Point2* p0, Point2* p1) const;
+    void getIncidentTriangles(Point2* pVtx, std::vector<Triangle2*>& vTriangles) const;
+    void getIncidentVertices(Point2* pVtx, std::vector<Point2*>& vVertices) const;
+    Bbox2 computeBoundingBox() const { return vertexVault.computeBoundingBox(); }
+    void getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull);
+    bool getHeight(double x, double y, double& height, Triangle2* pApproxT, double tolerance);
+
+    // --- Dt2_drape.cpp ------------------------------------------------------------------------------------
+
+    bool drape(const std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, double zTolerance);
+
+    // --- Dt2_validity.cpp ---------------------------------------------------------------------------------
+
+    bool checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg);
+    void statistics(const std::string& s) const;
+
+    // --- Dt2_output.cpp, Dt2_drawing.cpp, Dt2_geomview.cpp: files -----------------------------------------
 
     void writeObj(const std::string& filename) const;
+    void show(Visualizer2* pVisualizer, bool bWithConstraints) const;
+    void showGeomview(const std::string& filename, const std::string& color) const;
+    void showGeomview(Visualizer3* pVisualizer) const;
+    void writeWebScene(const char* path) const;
 
 private:
+    friend class Chunk;
+    friend class FreshTriangles;
+    friend class InserterMT;
+    class Trace;
+
     // --- Dt2.cpp ------------------------------------------------------------------------------------------
 
     bool startTriangulation(std::size_t numPreExistingVtx);
     void followBoxGrowth();
+    Triangle2* takeTriangle();
     Triangle2* createTriangle(Point2* a, Point2* b, Point2* c);
     void recycleTriangle(Triangle2* pT);
 
@@ -95,44 +137,57 @@ private:
     void insertRange(VertexVault::EntryIterator first, VertexVault::EntryIterator last, Triangle2* pHint);
     void insertRangeSequential(VertexVault::EntryIterator first, VertexVault::EntryIterator last,
                                Triangle2* pHint);
+    int createTriangles(int wanted, Triangle2*& pFirst);
+    void releaseTriangles(Triangle2* pFirst, int count);
+    void addDuplicate(Point2* pDup, Point2* pExisting) { vertexVault.addDuplicate(pDup, pExisting); }
+    const Point2* getFakeCorner() const { return vertexVault.getFakeCorner(0); }
+    bool extendBox(const std::vector<Point2>& v, bool& bGrown);
+    bool needsFrame(std::size_t n) const noexcept;
     bool createFakeBox();
     void removeFakeBox();
 
     // --- Dt2_location.cpp ---------------------------------------------------------------------------------
 
-    Triangle2* splitTriangle(Triangle2* pT, Point2* q);
-    Triangle2* splitEdge(Triangle2* pT, Point2* q, int edgeIdx);
     Triangle2* splitHullEdge(Triangle2* pT, Point2* q, int edgeIdx);
     Triangle2* extendHull(Point2* q, Triangle2* pT, int edgeIdx);
     Triangle2* triangulateCoplanarOrDuplicate(Point2* q, Triangle2* pT, int result);
+    void collectVisibleHull(const Point2* q, Edge2 edge);
     void collectHullBackward(const Point2* q, Edge2 edge);
     void collectHullForward(const Point2* q, Edge2 edge);
-    void legalizeFlipStack(const Point2* q);
     void legalizePasses(const Point2* q);
-    bool isInsideCircle(const Triangle2* pT, const Point2* q);
 
     // --- Dt2_removal.cpp ----------------------------------------------------------------------------------
 
+    Triangle2* flipEar(const Point2* pVtx, Triangle2* pT);
+    void reduceDegree(const Point2* pVtx, int degree, std::vector<Triangle2*>& vFlipped);
+    void reportWatchDog(const Point2* pVtx, int degree) const;
+    void closeHole(const Point2* pVtx, std::vector<Triangle2*>& vFlipped);
     void cutEarsOff(Point2* pVtx, std::vector<Triangle2*>& vFlipped);
     void dissolveFan(Point2* pVtx);
     void repairDelaunay(std::vector<Triangle2*>& vPass);
 
-    int numCPU = 1;                                             // workers of bulk operations
+    // --- Dt2_queries.cpp ----------------------------------------------------------------------------------
+
+    double heightInTriangle(const Triangle2& t, double x, double y);
+    bool getHeightNearHull(const Point2& query, double& height, double tolerance);
+
+    int numCPU = 1; // workers of bulk operations
+    std::size_t minParallelInsertion = VertexVault::minParallel;
     std::map<std::string, std::pair<int, double>> mDevSettings; // written by setDev, read by nothing
     std::vector<Point2*> vRemovedVertices;                      // their storage stays in the pool
     HC2 hilbert;                                                // over the doubled box
     QuorTest quorTest;                                          // its range covers every vertex
+    MeshInserter inserter{quorTest};
     SimplePool<Triangle2> trianglePool;
     SimplePool<Point2> vertexPool;
     VertexVault vertexVault;
     Bbox2 bbox; // of all points ever inserted, doubled on growth; wired to quorTest
-    std::vector<Triangle2*>
-        vDeadTriangles; // cleared triangles ready for reuse; all others of the pool are in use
+    std::vector<Triangle2*> vDeadTriangles; // cleared, ready for reuse; all others of the pool are in use
+    std::mutex mtxFreshTriangles;           // guards the pool in createTriangles
     std::string name;
     ProgressPublisher progress;
 
     // Scratch of the inner loop, empty between calls.
-    std::vector<Triangle2*> vFlipStack;
     std::vector<Triangle2*> vPass, vNextPass;
     std::vector<Edge2> vHullEdges;
 };

@@ -6,6 +6,8 @@
 
 #include "Dt2.h"
 
+#include "InserterMT.h"
+#include "MTCtrl.h"
 #include "messages.h"
 
 #include <kelm25d/timer.h>
@@ -20,14 +22,26 @@ namespace {
 constexpr std::ptrdiff_t minBisection = 16; // shorter ranges are inserted in order
 constexpr double frameFactor = 1.01;        // size of the frame relative to the box
 
-template <class IsFinite>
-bool areAllFinite(std::size_t n, const IsFinite& isFinite) {
-    bool bAll = true;
-    for (std::size_t i = 0; i < n; ++i) {
-        bAll &= isFinite(i);
+/// Finds the extent of a range of points, and whether all are finite, in one pass.
+struct ExtentTask {
+    const Point2 *first, *last;
+    double minX, minY, maxX, maxY;
+    double zero; // 0, or not a number if a coordinate was not finite
+
+    void run() {
+        minX = maxX = first->x();
+        minY = maxY = first->y();
+        zero = 0.0;
+        for (const Point2* p = first; p != last; ++p) {
+            const double x = p->x(), y = p->y();
+            zero += x * 0.0 + y * 0.0;
+            minX = x < minX ? x : minX;
+            maxX = x > maxX ? x : maxX;
+            minY = y < minY ? y : minY;
+            maxY = y > maxY ? y : maxY;
+        }
     }
-    return bAll;
-}
+};
 
 void reportNotFinite() {
     printError("Dt2::insert()", "a coordinate is not finite, none of the points is inserted");
@@ -44,19 +58,59 @@ const Point2* cornerAt(const Triangle2* pT, const Point2* q) noexcept {
 } // namespace
 
 void Dt2::insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHandles) {
-    if (pvHandles != nullptr) pvHandles->assign(v.size(), nullptr);
+    if (pvHandles != nullptr) pvHandles->clear();
     if (v.empty()) return;
-    if (!areAllFinite(v.size(),
-                      [&](std::size_t i) { return std::isfinite(v[i].x()) & std::isfinite(v[i].y()); })) {
+    KELM_CHECK(vertexVault.dupIsClean());
+    bool bGrown = false;
+    if (!extendBox(v, bGrown)) {
         reportNotFinite();
+        if (pvHandles != nullptr) pvHandles->assign(v.size(), nullptr);
         return;
     }
-    KELM_CHECK(vertexVault.dupIsClean());
-    if (bbox.add(v.begin(), v.end())) followBoxGrowth();
-    const bool bFramed = numCPU > 1 && createFakeBox();
+    if (bGrown) followBoxGrowth();
+    const bool bFramed = needsFrame(v.size()) && createFakeBox();
     insertBulk("insert vertices", v.size(), pvHandles,
                [&](std::size_t& firstIdx) { vertexVault.addVertices(v, pvHandles, firstIdx); });
     if (bFramed) removeFakeBox();
+}
+
+/// Extends the box to all points; bGrown tells whether it changed. False, and nothing done, if a coordinate
+/// is not finite.
+bool Dt2::extendBox(const std::vector<Point2>& v, bool& bGrown) {
+    const std::size_t numTasks =
+        numCPU > 1 && v.size() >= VertexVault::minParallel ? static_cast<std::size_t>(numCPU) : 1;
+    const std::size_t share = (v.size() + numTasks - 1) / numTasks;
+    std::vector<ExtentTask> vTasks;
+    std::vector<ExtentTask*> vTaskPointers;
+    for (const Point2 *p = v.data(), *pEnd = p + v.size(); p != pEnd;
+         p += std::min<std::ptrdiff_t>(share, pEnd - p)) {
+        vTasks.push_back(
+            {p, p + std::min<std::ptrdiff_t>(static_cast<std::ptrdiff_t>(share), pEnd - p), 0, 0, 0, 0, 0});
+    }
+    for (ExtentTask& task : vTasks) {
+        vTaskPointers.push_back(&task);
+    }
+    if (numTasks == 1) {
+        vTasks.front().run();
+    } else {
+        MTCtrl<ExtentTask>(vTaskPointers.begin(), vTaskPointers.end()).run(&ExtentTask::run, numCPU);
+    }
+    for (const ExtentTask& task : vTasks) {
+        if (!(task.zero == 0.0)) return false;
+    }
+    for (const ExtentTask& task : vTasks) {
+        bGrown |= bbox.add(Point2(task.minX, task.minY, 0.0));
+        bGrown |= bbox.add(Point2(task.maxX, task.maxY, 0.0));
+    }
+    return true;
+}
+
+/// Whether a bulk insertion of n points goes into the frame of far corners. Short ones do without, since they
+/// run on one thread; but vertices that wait have to go on waiting through a bulk insertion with several
+/// threads.
+bool Dt2::needsFrame(std::size_t n) const noexcept {
+    if (numCPU == 1) return false;
+    return n >= minParallelInsertion || (!is2D() && vertexVault.size() != 0);
 }
 
 void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandles) {
@@ -67,9 +121,11 @@ void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandl
     }
     const std::size_t n = static_cast<std::size_t>(numPoints);
     std::vector<Point2*> vHandles(n, nullptr);
-    if (!areAllFinite(n, [&](std::size_t i) {
-            return std::isfinite(aCoordinates[3 * i]) & std::isfinite(aCoordinates[3 * i + 1]);
-        })) {
+    double zero = 0.0; // stays so if all coordinates are finite
+    for (std::size_t i = 0; i < n; ++i) {
+        zero += aCoordinates[3 * i] * 0.0 + aCoordinates[3 * i + 1] * 0.0;
+    }
+    if (!(zero == 0.0)) {
         reportNotFinite();
     } else if (numCPU >= 2 && numPoints >= 1000) {
         std::vector<Point2> v;
@@ -111,7 +167,30 @@ void Dt2::insertBulk(const char* label, std::size_t numPoints, std::vector<Point
 }
 
 void Dt2::insertRange(VertexVault::EntryIterator first, VertexVault::EntryIterator last, Triangle2* pHint) {
-    insertRangeSequential(first, last, pHint);
+    // Without the frame a worker could meet the hull; below the limit threads cost more than they save.
+    if (numCPU > 1 && static_cast<std::size_t>(last - first) >= minParallelInsertion &&
+        vertexVault.hasFakeCorners()) {
+        Bbox2 frame;
+        for (std::size_t i = 0; i < 4; ++i) {
+            frame.add(*vertexVault.getFakeCorner(i));
+        }
+        InserterMT(this, frame, numCPU).run(first, last, pHint);
+    } else {
+        insertRangeSequential(first, last, pHint);
+    }
+}
+
+/// Up to the wanted number of fresh triangles side by side, at least one, for one of several threads. Their
+/// contents are undefined until they are used or released.
+int Dt2::createTriangles(int wanted, Triangle2*& pFirst) {
+    const std::lock_guard<std::mutex> lock(mtxFreshTriangles);
+    return trianglePool.allocateBlock(wanted, pFirst);
+}
+
+void Dt2::releaseTriangles(Triangle2* pFirst, int count) {
+    for (int i = 0; i < count; ++i) {
+        recycleTriangle(pFirst + i);
+    }
 }
 
 void Dt2::insertRangeSequential(VertexVault::EntryIterator first, VertexVault::EntryIterator last,

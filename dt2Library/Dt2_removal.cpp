@@ -1,19 +1,128 @@
-// Removal of a vertex on the hull.
-// The flip itself is in Dt2_location.cpp.
+// Removal of vertices, inside the mesh and on its hull.
+// The flip itself is in MeshInserter.cpp, the vault's share in VertexVault.cpp.
+//
+// Around an inner vertex p the edges from p are flipped away one by one, each time joining the two neighbours
+// of an ear of the polygon around p, until three triangles are left, which become one. A star-shaped polygon
+// always has an ear whose tip p does not lie beyond; a watch dog guards against the opposite.
 //
 // The neighbours of a hull vertex p form a chain from hull to hull. Wherever the chain has a strictly convex
 // corner as seen from p, the edge from p to that corner is flipped away, and the corner is joined to its two
 // neighbours in the chain. When no such corner is left the triangles still at p lie outside the hull of the
 // others and dissolve. As with Graham's scan, each flip shortens the chain and each step without a flip moves
-// on, so the cost is linear in the degree of p. The triangles that were flipped are then made Delaunay.
+// on, so the cost is linear in the degree of p.
+//
+// In both cases the triangles that were flipped are then made Delaunay by further flips.
 
 #include "Dt2.h"
 
 #include "messages.h"
 
+#include <kelm25d/Visualizer2.h>
+
+#include <iostream>
 #include <utility>
 
 namespace QUOR_KELM25D {
+
+void Dt2::remove(Point2* pVtx) {
+    if (pVtx == nullptr) {
+        printWarning("Dt2::remove(..)", "pVtx==NULL, illegal, return.");
+        return;
+    }
+    vertexVault.sortIfNeeded(true);
+    if (pVtx->getIncidentTriangle() == nullptr) {
+        if (!is2D()) {
+            vertexVault.deactivate(pVtx);
+            return;
+        }
+        std::cout << *pVtx << std::endl;
+        printWarning("Dt2::remove()", "vertex does not belong to the triangulation, return");
+        return;
+    }
+    TriangleAroundVertexIterator it(pVtx);
+    const TriangleAroundVertexIterator start(it);
+    int degree = 0;
+    do {
+        ++degree;
+        ++it;
+    } while (*it != nullptr && it != start);
+    if (*it == nullptr) {
+        remove(pVtx, true);
+        return;
+    }
+    std::vector<Triangle2*> vFlipped;
+    reduceDegree(pVtx, degree, vFlipped);
+    closeHole(pVtx, vFlipped);
+    repairDelaunay(vFlipped);
+    vRemovedVertices.push_back(pVtx);
+    vertexVault.deactivate(pVtx);
+}
+
+// --- inside -----------------------------------------------------------------------------------------------
+
+/// Flips edges away from an inner vertex until three are left.
+void Dt2::reduceDegree(const Point2* pVtx, int degree, std::vector<Triangle2*>& vFlipped) {
+    Triangle2* pT = pVtx->getIncidentTriangle();
+    int numTries = degree;
+    for (int remaining = degree; remaining > 3;) {
+        if (--numTries < 0) reportWatchDog(pVtx, degree);
+        if (Triangle2* pNext = flipEar(pVtx, pT)) {
+            vFlipped.push_back(pT);
+            pT = pNext;
+            --remaining;
+            numTries = remaining + 1;
+        } else {
+            pT = pT->aOppTriangle[incIndexBy1(pT->getIntraTriangleIndex(pVtx))];
+        }
+    }
+}
+
+/// Cuts the ear off that pT and its counterclockwise neighbour form at their common edge from pVtx. The
+/// result is the triangle that still has pVtx; null, and nothing changed, if that is no ear or pVtx lies
+/// beyond it.
+Triangle2* Dt2::flipEar(const Point2* pVtx, Triangle2* pT) {
+    const int k = incIndexBy1(pT->getIntraTriangleIndex(pVtx));
+    Triangle2* pN = pT->aOppTriangle[k];
+    const Point2 *a = pT->aCorner[k], *b = pT->aCorner[incIndexBy1(k)];
+    const Point2* d = pN->aCorner[pN->getIntraTriangleIndex(pT)];
+    if (quorTest.getOrientation2Filtered(a, d, pVtx) == ORIENTATION2_CW) return nullptr;
+    if (quorTest.getOrientation2Filtered(a, b, d) != ORIENTATION2_CCW) return nullptr;
+    flip(pT, k);
+    return pN;
+}
+
+void Dt2::reportWatchDog(const Point2* pVtx, int degree) const {
+    Visualizer2 visualizer(nextDebugPrefix() + "watchDogFailed.ps");
+    show(&visualizer, true);
+    visualizer.addObject(*pVtx, Color(1, 0, 0, 0.1, false));
+    visualizer.writeFile();
+    std::cout << "vUmbrellaT.size()=" << degree << std::endl;
+    KELM_CHECK(false);
+}
+
+/// Makes one triangle of the three around a vertex; vFlipped receives it.
+void Dt2::closeHole(const Point2* pVtx, std::vector<Triangle2*>& vFlipped) {
+    Triangle2* aT[3];
+    Point2* aOuterVtx[3];
+    Triangle2* aOuterT[3];
+    Triangle2* pT = pVtx->getIncidentTriangle();
+    for (int k = 0; k < 3; ++k) {
+        const int i = pT->getIntraTriangleIndex(pVtx);
+        aT[k] = pT;
+        aOuterVtx[k] = pT->aCorner[incIndexBy1(i)];
+        aOuterT[k] = pT->aOppTriangle[i];
+        pT = pT->aOppTriangle[incIndexBy1(i)];
+    }
+    aT[0]->setPropertiesAndOppT(aOuterVtx[0], aOuterVtx[1], aOuterVtx[2], aOuterT[1], aOuterT[2], aOuterT[0]);
+    MeshInserter::relink(aOuterT[1], aT[1], aT[0]);
+    MeshInserter::relink(aOuterT[2], aT[2], aT[0]);
+    // The two others may be among the flipped ones: they have no corners from now on.
+    recycleTriangle(aT[1]);
+    recycleTriangle(aT[2]);
+    vFlipped.push_back(aT[0]);
+}
+
+// --- on the hull ------------------------------------------------------------------------------------------
 
 void Dt2::remove(Point2* pVtx, bool bDeactivate) {
     if (pVtx->getIncidentTriangle() != nullptr) {

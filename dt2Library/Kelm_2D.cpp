@@ -5,6 +5,8 @@
 
 #include "Dt2.h"
 
+#include <kelm25d/Visualizer2.h>
+
 #include <iostream>
 
 namespace QUOR_KELM25D {
@@ -35,6 +37,50 @@ void Kelm_2D::insert(const std::vector<Point2>& v, std::vector<Point2*>& handles
 
 void Kelm_2D::insert(int numPoints, double* aCoordinates, Point2** aHandles) {
     pImpl->insertArray(numPoints, aCoordinates, aHandles);
+}
+
+void Kelm_2D::remove(Point2* pVertex) {
+    pImpl->remove(pVertex);
+}
+
+Triangle2* Kelm_2D::locate(const Point2& p) {
+    return pImpl->locate(p);
+}
+
+Triangle2* Kelm_2D::getAdjacentTriangle(Point2* p0, Point2* p1) {
+    return pImpl->getAdjacentTriangle(p0, p1);
+}
+
+void Kelm_2D::getIncidentTriangles(Point2* pVtx, std::vector<Triangle2*>& vTriangles) {
+    pImpl->getIncidentTriangles(pVtx, vTriangles);
+}
+
+void Kelm_2D::getIncidentVertices(Point2* pVtx, std::vector<Point2*>& vVertices) {
+    pImpl->getIncidentVertices(pVtx, vVertices);
+}
+
+Bbox2 Kelm_2D::computeBoundingBox() {
+    return pImpl->computeBoundingBox();
+}
+
+void Kelm_2D::getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull) {
+    pImpl->getConvexHull(bAllVertices, vHull);
+}
+
+bool Kelm_2D::getHeight(double x, double y, double& height, Triangle2* pApproxT, double tolerance) {
+    return pImpl->getHeight(x, y, height, pApproxT, tolerance);
+}
+
+bool Kelm_2D::drape(std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, double zTolerance) {
+    return pImpl->drape(vIn, vOut, zTolerance);
+}
+
+bool Kelm_2D::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) {
+    return pImpl->checkValidity(bCheckEmptyCircleProperty, msg);
+}
+
+void Kelm_2D::statistics(const std::string& s) {
+    pImpl->statistics(s);
 }
 
 bool Kelm_2D::is2D() const {
@@ -101,6 +147,28 @@ void Kelm_2D::unsubscribe(MsgType msgType, MsgBase* pReceiver) {
 
 void Kelm_2D::writeObj(const std::string& filename) const {
     pImpl->writeObj(filename);
+}
+
+void Kelm_2D::show(const std::string& postscriptFilename, bool bWithConstraints) const {
+    Visualizer2 visualizer(postscriptFilename);
+    pImpl->show(&visualizer, bWithConstraints);
+    visualizer.writeFile();
+}
+
+void Kelm_2D::show(Visualizer2* pVisualizer, bool bWithConstraints) const {
+    pImpl->show(pVisualizer, bWithConstraints);
+}
+
+void Kelm_2D::showGeomview(const std::string& filename, const std::string& color) const {
+    pImpl->showGeomview(filename, color);
+}
+
+void Kelm_2D::showGeomview(Visualizer3* pVisualizer) const {
+    pImpl->showGeomview(pVisualizer);
+}
+
+void Kelm_2D::writeWebScene(const char* path) const {
+    pImpl->writeWebScene(path);
 }
 
 } // namespace QUOR_KELM25D

@@ -20,24 +20,26 @@ public:
     MTCtrl(const MTCtrl&) = delete;
     MTCtrl& operator=(const MTCtrl&) = delete;
 
-    /// Runs fn on every task with numThreads threads and returns when all are done. Where the system gives
-    /// fewer threads, those do all the work.
+    /// Runs fn on every task with numThreads threads, the calling one among them, and returns when all are
+    /// done. Where the system gives fewer threads, those do all the work.
     void run(void (T::*fn)(), int numThreads) {
+        const int numTasks = static_cast<int>(sPending.size());
+        std::vector<std::thread> vThreads;
         try {
-            for (int i = 0; i < numThreads; ++i) {
-                vThreads.emplace_back(&MTCtrl::worker, this, i, fn);
+            for (int i = 1; i < numThreads && i < numTasks; ++i) {
+                vThreads.emplace_back(&MTCtrl::worker, this, fn);
             }
         } catch (const std::system_error&) {
-            if (vThreads.empty()) worker(0, fn);
+            // The calling thread works in any case.
         }
+        worker(fn);
         for (std::thread& thread : vThreads) {
             thread.join();
         }
-        vThreads.clear();
     }
 
 private:
-    void worker(int /*threadIdx*/, void (T::*fn)()) {
+    void worker(void (T::*fn)()) {
         for (;;) {
             T* pTask = nullptr;
             {
@@ -58,7 +60,6 @@ private:
     std::set<T*> sStarted; // being run
     std::set<T*> sDone;
     std::mutex mtx; // guards the three sets
-    std::vector<std::thread> vThreads;
 };
 
 } // namespace QUOR_KELM25D

@@ -4,6 +4,7 @@
 
 #include <kelm25d/MsgBase.h>
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -27,6 +28,14 @@ public:
         if (total == 0 || bDone) return;
         count += n;
         if (count % stepSize == 0) report();
+    }
+
+    /// n steps one after the other: reports fall due at multiples of the step size only.
+    void advanceSteps(std::size_t n) {
+        if (total == 0) return;
+        for (; n > 0; --n) {
+            advance(1);
+        }
     }
 
     /// Ends the task; publishes 1.0 unless advance() already has.

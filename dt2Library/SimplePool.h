@@ -45,6 +45,15 @@ public:
         return allocateFromNewContainer();
     }
 
+    /// Storage for several records side by side: as many as wanted, or as the current container still has, at
+    /// least one. Returns their number.
+    int allocateBlock(int wanted, T*& pFirst) {
+        pFirst = allocate();
+        const int count = std::max(1, std::min(wanted, currentCapacity - currentIdx));
+        currentIdx += count - 1;
+        return count;
+    }
+
     /// Empties the pool and frees all containers but the first.
     void reset();
 

@@ -200,8 +200,9 @@ bool Triangle2::isAccurateCC(int ici, const Point2& cc) const {
     const double r2 = std::sqrt(sqDistance2D(cc, *pPrev));
     // Distances first: a centre that is not finite must not reach the exact predicate.
     if (!(std::fabs(r0 - r1) < 1e-6 && std::fabs(r1 - r2) < 1e-6 && std::fabs(r2 - r0) < 1e-6)) return false;
-    return getOrientation2(pPrev, pCorner, &cc) != ORIENTATION2_CW &&
-           getOrientation2(pCorner, pNext, &cc) != ORIENTATION2_CW;
+    // The thread-safe form: circles are computed on several threads during bulk insertion.
+    return getOrientation2_mt(pPrev, pCorner, &cc) != ORIENTATION2_CW &&
+           getOrientation2_mt(pCorner, pNext, &cc) != ORIENTATION2_CW;
 }
 
 std::ostream& operator<<(std::ostream& stream, const Triangle2& triangle) {

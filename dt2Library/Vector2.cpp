@@ -33,7 +33,7 @@ Vector2 Vector2::orthogonalVector() const {
     const Point2 origin(0.0, 0.0, 0.0);
     const Point2 tip(dX, dY, 0.0);
     const Point2 side(candidate.x(), candidate.y(), 0.0);
-    const Orientation2 orientation = getOrientation2(&origin, &tip, &side);
+    const Orientation2 orientation = getOrientation2_mt(&origin, &tip, &side);
     if (orientation == ORIENTATION2_COLLINEAR) KELM_CHECK(false);
     return orientation == ORIENTATION2_CCW ? candidate : -candidate;
 }

@@ -15,7 +15,7 @@ namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr std::size_t minParallelKeys = 1000; // points, and at least ten times as many as CPUs
+constexpr std::size_t sampleStep = 16; // entries: four cache lines
 constexpr std::size_t notFound = 2147483647;
 constexpr std::size_t prefetchDistance = 12; // points ahead while gathering them in Hilbert order
 
@@ -48,7 +48,7 @@ struct TripleSource {
 /// Computes the keys of a range of points.
 template <class Source>
 struct Task {
-    std::vector<KeyPos>* pvKeys;
+    KeyPosVector* pvKeys;
     const Source* pSource;
     const HC2* pHilbert;
     std::size_t first, last;
@@ -63,35 +63,36 @@ struct Task {
 /// Fills vertices and entries of a range of sorted positions.
 template <class Source>
 struct FTask {
-    const std::vector<KeyPos>* pvKeys;
+    const KeyPosVector* pvKeys;
     const Source* pSource;
-    const std::vector<Point2*>* pvVertices;
     std::vector<Point2*>* pvHandles; // or null
     IdxVtx* aEntry;                  // of position 0
+    Point2* pVertex;                 // storage for the vertices, that of the first position in front
     std::size_t first, last;
 
     void run() {
-        const std::vector<KeyPos>& vKeys = *pvKeys;
+        const KeyPosVector& vKeys = *pvKeys;
         for (std::size_t i = first; i < last; ++i) {
             if (i + prefetchDistance < last) pSource->prefetchAt(vKeys[i + prefetchDistance].pos);
-            Point2* pVtx = new ((*pvVertices)[i]) Point2(pSource->get(vKeys[i].pos));
+            Point2* pVtx = new (pVertex + (i - first)) Point2(pSource->get(vKeys[i].pos));
             aEntry[i] = {vKeys[i].key, true, pVtx};
             if (pvHandles != nullptr) (*pvHandles)[vKeys[i].pos] = pVtx;
         }
     }
 };
 
-/// Runs one task per range of n / numCPU positions; prototype holds everything but the range.
+/// Runs the tasks on numCPU threads, or here if that is 1.
 template <class T>
-void runOnRanges(const T& prototype, std::size_t n, int numCPU) {
-    const std::size_t chunk = n / static_cast<std::size_t>(numCPU);
-    std::vector<std::unique_ptr<T>> vTasks;
+void runAll(std::vector<T>& vTasks, int numCPU) {
+    if (numCPU == 1) {
+        for (T& task : vTasks) {
+            task.run();
+        }
+        return;
+    }
     std::vector<T*> vTaskPointers;
-    for (std::size_t first = 0; first < n; first += chunk) {
-        vTasks.emplace_back(new T(prototype));
-        vTasks.back()->first = first;
-        vTasks.back()->last = std::min(first + chunk, n);
-        vTaskPointers.push_back(vTasks.back().get());
+    for (T& task : vTasks) {
+        vTaskPointers.push_back(&task);
     }
     MTCtrl<T>(vTaskPointers.begin(), vTaskPointers.end()).run(&T::run, numCPU);
 }
@@ -143,57 +144,54 @@ template <class Source>
 void VertexVault::addFrom(const Source& source, std::vector<Point2*>* pvHandles, std::size_t& firstIdx) {
     const std::size_t n = source.n;
     firstIdx = vIdxVtxAct.size();
-    const bool bThreads = numCPU > 1 && n >= minParallelKeys && n > 10 * static_cast<std::size_t>(numCPU);
-    std::vector<KeyPos> vKeys(n);
-    Task<Source> keyTask{&vKeys, &source, &hilbert, 0, n};
-    if (bThreads) {
-        runOnRanges(keyTask, n, numCPU);
-    } else {
-        keyTask.run();
+    const int numThreads = n >= minParallel && n > 10 * static_cast<std::size_t>(numCPU) ? numCPU : 1;
+    const std::size_t share = std::max<std::size_t>(1, n / static_cast<std::size_t>(numThreads));
+
+    KeyPosVector vKeys(n);
+    std::vector<Task<Source>> vKeyTasks;
+    for (std::size_t first = 0; first < n; first += share) {
+        vKeyTasks.push_back({&vKeys, &source, &hilbert, first, std::min(first + share, n)});
     }
-    sortKeys(vKeys, numCPU);
+    runAll(vKeyTasks, numThreads);
+    sortKeys(vKeys, numThreads);
     refineEqualKeys(
         vKeys, [&](std::uint32_t i) { return source.x(i); }, [&](std::uint32_t i) { return source.y(i); });
 
+    // The pool has no lock: all storage is taken here, block by block, before the workers start.
     vIdxVtxAct.resize(firstIdx + n);
     if (pvHandles != nullptr) pvHandles->resize(n);
-    if (bThreads) {
-        fillOnThreads(source, vKeys, pvHandles, firstIdx);
-        return;
+    std::vector<FTask<Source>> vFillTasks;
+    for (std::size_t position = 0; position < n;) {
+        Point2* pBlock = nullptr;
+        const int count =
+            vertexPool.allocateBlock(static_cast<int>(std::min<std::size_t>(n - position, share)), pBlock);
+        const std::size_t end = position + static_cast<std::size_t>(count);
+        vFillTasks.push_back(
+            {&vKeys, &source, pvHandles, vIdxVtxAct.data() + firstIdx, pBlock, position, end});
+        position = end;
     }
-    for (std::size_t i = 0; i < n; ++i) {
-        if (i + prefetchDistance < n) source.prefetchAt(vKeys[i + prefetchDistance].pos);
-        Point2* pVtx = makeVertex(source.get(vKeys[i].pos));
-        vIdxVtxAct[firstIdx + i] = {vKeys[i].key, true, pVtx};
-        if (pvHandles != nullptr) (*pvHandles)[vKeys[i].pos] = pVtx;
-    }
-}
-
-template <class Source>
-void VertexVault::fillOnThreads(const Source& source, const std::vector<KeyPos>& vKeys,
-                                std::vector<Point2*>* pvHandles, std::size_t firstIdx) {
-    // The pool has no lock: all storage is taken here, before the workers start.
-    std::vector<Point2*> vVertices(source.n);
-    for (Point2*& pVtx : vVertices) {
-        pVtx = vertexPool.allocate();
-    }
-    runOnRanges(FTask<Source>{&vKeys, &source, &vVertices, pvHandles, vIdxVtxAct.data() + firstIdx, 0, 0},
-                source.n, numCPU);
+    runAll(vFillTasks, numThreads);
 }
 
 // --- searching --------------------------------------------------------------------------------------------
 
-/// A position in the sorted part near the key; 0 if that part is empty. Entries that are out of order after a
-/// sort in four parts may lead it astray, which costs time only.
+/// The first position in the sorted part whose key is not below the given one, or the last position if there
+/// is none; 0 if that part is empty. Entries that are out of order after a sort in four parts may lead it
+/// astray, which costs time only.
 std::size_t VertexVault::lowerBound(std::uint32_t key) const noexcept {
     if (numSorted == 0) return 0;
-    const IdxVtx* base = vIdxVtxAct.data();
-    for (std::size_t n = numSorted; n > 1;) {
+    const std::uint32_t* base = vKeySamples.data();
+    for (std::size_t n = vKeySamples.size(); n > 1;) {
         const std::size_t half = n / 2;
-        base = base[half - 1].hcKey < key ? base + half : base;
+        base = base[half] < key ? base + half : base;
         n -= half;
     }
-    return static_cast<std::size_t>(base - vIdxVtxAct.data());
+    // At the last sample below the key: the answer is within one step behind it.
+    std::size_t i = static_cast<std::size_t>(base - vKeySamples.data()) * sampleStep;
+    const std::size_t last = std::min(i + sampleStep, numSorted - 1);
+    while (i < last && vIdxVtxAct[i].hcKey < key)
+        ++i;
+    return i;
 }
 
 Triangle2* VertexVault::getCloT(std::uint32_t key) const {
@@ -306,8 +304,8 @@ bool VertexVault::getFirstTriple(Point2*& a, Point2*& b, Point2*& c) {
 // --- reading ----------------------------------------------------------------------------------------------
 
 void VertexVault::getRange(std::size_t firstIdx, EntryIterator& begin, EntryIterator& end) const {
-    begin = vIdxVtxAct.begin() + static_cast<std::ptrdiff_t>(firstIdx);
-    end = vIdxVtxAct.end();
+    begin = vIdxVtxAct.data() + firstIdx;
+    end = vIdxVtxAct.data() + vIdxVtxAct.size();
 }
 
 void VertexVault::getVertexPointers(std::vector<Point2*>& vVertices) const {
@@ -375,6 +373,10 @@ void VertexVault::sortIfNeeded(bool bConditional) {
         --numInactive;
     }
     numSorted = vIdxVtxAct.size();
+    vKeySamples.clear();
+    for (std::size_t i = 0; i < numSorted; i += sampleStep) {
+        vKeySamples.push_back(vIdxVtxAct[i].hcKey);
+    }
     forgetWaiting();
 }
 

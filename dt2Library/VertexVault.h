@@ -27,7 +27,11 @@ namespace QUOR_KELM25D {
 
 class VertexVault {
 public:
-    using EntryIterator = std::vector<IdxVtx>::const_iterator;
+    using EntryIterator = const IdxVtx*;
+
+    /// Bulk operations below this length, and with fewer than ten times as many points as CPUs, use one
+    /// thread: starting others costs more than it saves.
+    static constexpr std::size_t minParallel = 20000;
 
     /// What the vault uses of its owner, which outlives it. numCPU is read at each call.
     VertexVault(SimplePool<Point2>& vertexPool, const HC2& hilbert, QuorTest& quorTest, const int& numCPU);
@@ -116,9 +120,6 @@ private:
 
     template <class Source>
     void addFrom(const Source& source, std::vector<Point2*>* pvHandles, std::size_t& firstIdx);
-    template <class Source>
-    void fillOnThreads(const Source& source, const std::vector<KeyPos>& vKeys,
-                       std::vector<Point2*>* pvHandles, std::size_t firstIdx);
     std::size_t lowerBound(std::uint32_t key) const noexcept;
     template <class Matches>
     std::size_t findActive(std::uint32_t key, const Matches& matches) const;
@@ -136,12 +137,13 @@ private:
     QuorTest& quorTest;
     const int& numCPU;
 
-    bool bFullDimensional = false;        // triangles exist
-    std::vector<IdxVtx> vIdxVtxAct;       // the index
-    std::size_t numSorted = 0;            // the first numSorted entries are in order
-    std::size_t numDeactivated = 0;       // removals since the last sort
-    std::size_t numInactive = 0;          // entries with the flag cleared
-    std::vector<Point2*> vFakeBoxHandles; // empty outside a bulk insertion with several threads; owned
+    bool bFullDimensional = false;          // triangles exist
+    IdxVtxVector vIdxVtxAct;                // the index
+    std::size_t numSorted = 0;              // the first numSorted entries are in order
+    std::vector<std::uint32_t> vKeySamples; // of every sampleStep-th sorted entry: small enough for the cache
+    std::size_t numDeactivated = 0;         // removals since the last sort
+    std::size_t numInactive = 0;            // entries with the flag cleared
+    std::vector<Point2*> vFakeBoxHandles;   // empty outside a bulk insertion with several threads; owned
     // Pending duplicates: the redundant vertex and the vertex in its place. A map, as a sequence that is
     // sorted once all are known.
     std::vector<std::pair<Point2*, Point2*>> mRedundant2UniqueVtx;

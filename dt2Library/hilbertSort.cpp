@@ -13,27 +13,27 @@ namespace QUOR_KELM25D {
 
 namespace {
 
+constexpr int numRadixPasses = 3, radixBits = 11;
+constexpr std::size_t numRadixBuckets = std::size_t(1) << radixBits;
 constexpr std::ptrdiff_t minRadixSort = 600; // below, clearing the histograms costs more than it saves
 
 /// Least significant digit first, 11 bits a pass; a pass in which all digits agree is left out.
 template <class Record, class GetKey>
 void radixSort(Record* first, Record* last, GetKey getKey) {
-    constexpr int numPasses = 3, bits = 11;
-    constexpr std::size_t numBuckets = std::size_t(1) << bits;
     const std::size_t n = static_cast<std::size_t>(last - first);
-    std::array<std::array<std::uint32_t, numBuckets>, numPasses> aCount{};
+    std::array<std::array<std::uint32_t, numRadixBuckets>, numRadixPasses> aCount{};
     for (const Record* p = first; p != last; ++p) {
         const std::uint32_t key = getKey(*p);
-        for (int pass = 0; pass < numPasses; ++pass) {
-            ++aCount[pass][(key >> (pass * bits)) % numBuckets];
+        for (int pass = 0; pass < numRadixPasses; ++pass) {
+            ++aCount[pass][(key >> (pass * radixBits)) % numRadixBuckets];
         }
     }
     const std::unique_ptr<Record[]> pBuffer(new Record[n]);
     Record *pFrom = first, *pTo = pBuffer.get();
-    for (int pass = 0; pass < numPasses; ++pass) {
+    for (int pass = 0; pass < numRadixPasses; ++pass) {
         auto& count = aCount[pass];
-        const int shift = pass * bits;
-        if (count[(getKey(*pFrom) >> shift) % numBuckets] == n) continue;
+        const int shift = pass * radixBits;
+        if (count[(getKey(*pFrom) >> shift) % numRadixBuckets] == n) continue;
         std::uint32_t sum = 0;
         for (std::uint32_t& c : count) {
             const std::uint32_t here = c;
@@ -41,7 +41,7 @@ void radixSort(Record* first, Record* last, GetKey getKey) {
             sum += here;
         }
         for (const Record* p = pFrom; p != pFrom + n; ++p) {
-            pTo[count[(getKey(*p) >> shift) % numBuckets]++] = *p;
+            pTo[count[(getKey(*p) >> shift) % numRadixBuckets]++] = *p;
         }
         std::swap(pFrom, pTo);
     }
@@ -113,6 +113,64 @@ void sortInFourParts(Record* first, Record* last, GetKey getKey, GoesLeft goesLe
     MTCtrl<Task>(vTaskPointers.begin(), vTaskPointers.end()).run(&Task::run, 4);
 }
 
+/// One thread's share of a pass of the radix sort.
+struct RadixTask {
+    const KeyPos *first, *last;
+    KeyPos* aTo;
+    int shift;
+    std::array<std::uint32_t, numRadixBuckets> aCount;
+
+    std::size_t digitOf(const KeyPos& pair) const noexcept { return (pair.key >> shift) % numRadixBuckets; }
+    void countDigits() {
+        aCount.fill(0);
+        for (const KeyPos* p = first; p != last; ++p) {
+            ++aCount[digitOf(*p)];
+        }
+    }
+    void scatter() {
+        for (const KeyPos* p = first; p != last; ++p) {
+            aTo[aCount[digitOf(*p)]++] = *p;
+        }
+    }
+};
+
+/// Each thread counts and then scatters its share, in each pass; the shares of a bucket follow one another.
+void radixSortOnThreads(KeyPos* first, std::size_t n, int numCPU) {
+    const std::unique_ptr<KeyPos[]> pBuffer(new KeyPos[n]);
+    const std::size_t share = n / static_cast<std::size_t>(numCPU);
+    std::vector<std::unique_ptr<RadixTask>> vTasks;
+    std::vector<RadixTask*> vTaskPointers;
+    for (int i = 0; i < numCPU; ++i) {
+        vTasks.emplace_back(new RadixTask);
+        vTaskPointers.push_back(vTasks.back().get());
+    }
+    const auto runAll = [&](void (RadixTask::*fn)()) {
+        MTCtrl<RadixTask>(vTaskPointers.begin(), vTaskPointers.end()).run(fn, numCPU);
+    };
+    KeyPos *aFrom = first, *aTo = pBuffer.get();
+    for (int pass = 0; pass < numRadixPasses; ++pass) {
+        for (std::size_t i = 0; i < vTasks.size(); ++i) {
+            RadixTask& task = *vTasks[i];
+            task.first = aFrom + i * share;
+            task.last = i + 1 == vTasks.size() ? aFrom + n : task.first + share;
+            task.aTo = aTo;
+            task.shift = pass * radixBits;
+        }
+        runAll(&RadixTask::countDigits);
+        std::uint32_t sum = 0;
+        for (std::size_t digit = 0; digit < numRadixBuckets; ++digit) {
+            for (const auto& pTask : vTasks) {
+                const std::uint32_t here = pTask->aCount[digit];
+                pTask->aCount[digit] = sum;
+                sum += here;
+            }
+        }
+        runAll(&RadixTask::scatter);
+        std::swap(aFrom, aTo);
+    }
+    if (aFrom != first) std::copy(aFrom, aFrom + n, first);
+}
+
 bool useFourParts(std::size_t n, int numCPU) noexcept {
     return numCPU >= minParallelSortCPU && n >= minParallelSort;
 }
@@ -123,18 +181,30 @@ void sortKeyRange(KeyPos* first, KeyPos* last) {
     sortByKey(first, last, keyOfPair);
 }
 
-void sortKeys(std::vector<KeyPos>& vKeys, int numCPU) {
+void sortKeys(KeyPosVector& vKeys, int numCPU) {
     KeyPos *first = vKeys.data(), *last = first + vKeys.size();
     if (useFourParts(vKeys.size(), numCPU)) {
         sortInFourParts<SortTask2>(first, last, keyOfPair,
                                    [](const KeyPos& pair, std::uint32_t pivot) { return pair.key < pivot; });
+    } else if (numCPU > 1 && vKeys.size() >= minParallelSort) {
+        radixSortOnThreads(first, vKeys.size(), numCPU);
     } else {
         sortKeyRange(first, last);
     }
 }
 
-void sortEntries(std::vector<IdxVtx>& vEntries, std::size_t numSorted, int numCPU) {
+void sortEntries(IdxVtxVector& vEntries, std::size_t numSorted, int numCPU) {
     IdxVtx *first = vEntries.data(), *last = first + vEntries.size();
+    const auto isActive = [](const IdxVtx& entry) { return entry.bActive; };
+    const auto less = [](const IdxVtx& a, const IdxVtx& b) { return a.hcKey < b.hcKey; };
+    bool bAllActive = true, bSorted = true;
+    std::uint32_t previous = 0;
+    for (const IdxVtx* p = first; p != last; ++p) {
+        bAllActive &= p->bActive;
+        bSorted &= p->hcKey >= previous;
+        previous = p->hcKey;
+    }
+    if (bAllActive && bSorted) return;
     if (useFourParts(vEntries.size(), numCPU)) {
         // An inactive entry goes left at every partition, deliberately.
         sortInFourParts<SortTask>(first, last, keyOfEntry, [](const IdxVtx& entry, std::uint32_t pivot) {
@@ -143,14 +213,13 @@ void sortEntries(std::vector<IdxVtx>& vEntries, std::size_t numSorted, int numCP
         return;
     }
     // The sorted head is merged with the sorted tail once the inactive entries stand at the end.
-    const auto isActive = [](const IdxVtx& entry) { return entry.bActive; };
-    IdxVtx* tail = first + numSorted;
-    const std::ptrdiff_t numActiveHead = std::count_if(first, tail, isActive);
-    IdxVtx* activeEnd = std::stable_partition(first, last, isActive);
-    tail = first + numActiveHead;
+    IdxVtx *tail = first + numSorted, *activeEnd = last;
+    if (!bAllActive) {
+        tail = first + std::count_if(first, tail, isActive);
+        activeEnd = std::stable_partition(first, last, isActive);
+    }
     sortByKey(tail, activeEnd, keyOfEntry);
-    std::inplace_merge(first, tail, activeEnd,
-                       [](const IdxVtx& a, const IdxVtx& b) { return a.hcKey < b.hcKey; });
+    std::inplace_merge(first, tail, activeEnd, less);
 }
 
 } // namespace QUOR_KELM25D

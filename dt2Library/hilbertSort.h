@@ -3,6 +3,7 @@
 #pragma once
 
 #include "HC2.h"
+#include "uninitialized.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,23 +24,27 @@ struct IdxVtx {
     Point2* pVtx;        // not owned
 };
 
+using KeyPosVector = UninitializedVector<KeyPos>;
+using IdxVtxVector = UninitializedVector<IdxVtx>;
+
 /// From this length on and with four CPUs, sequences are sorted in four parts.
 constexpr std::size_t minParallelSort = 10000;
 constexpr int minParallelSortCPU = 4;
 
-/// Sorts by key, ascending; equal keys come in any order.
-void sortKeys(std::vector<KeyPos>& vKeys, int numCPU);
+/// Sorts by key, ascending; equal keys come in any order. With two or three CPUs the threads share every
+/// pass, from four on each of four sorts a part.
+void sortKeys(KeyPosVector& vKeys, int numCPU);
 
 /// Sorts entries: active ones first, ascending by key, then the inactive ones. The first numSorted entries
 /// must be the result of an earlier call. In four parts the inactive entries end up at the end of each part
 /// and not of the whole; that is deliberate, the searches of the vault allow for it.
-void sortEntries(std::vector<IdxVtx>& vEntries, std::size_t numSorted, int numCPU);
+void sortEntries(IdxVtxVector& vEntries, std::size_t numSorted, int numCPU);
 
 /// Where many points share one key the curve of the whole box is too coarse to keep neighbours together; this
 /// orders each such run along a curve over the run's own box, again and again until runs are short.
 /// getX and getY give the coordinates of a position.
 template <class GetX, class GetY>
-void refineEqualKeys(std::vector<KeyPos>& vKeys, GetX getX, GetY getY);
+void refineEqualKeys(KeyPosVector& vKeys, GetX getX, GetY getY);
 
 // ---------------------------------------------------------------------------------------------------------
 
@@ -93,7 +98,7 @@ void refineRuns(KeyPos* first, KeyPos* last, const GetX& getX, const GetY& getY,
 } // namespace detail
 
 template <class GetX, class GetY>
-void refineEqualKeys(std::vector<KeyPos>& vKeys, GetX getX, GetY getY) {
+void refineEqualKeys(KeyPosVector& vKeys, GetX getX, GetY getY) {
     if (!vKeys.empty()) detail::refineRuns(vKeys.data(), vKeys.data() + vKeys.size(), getX, getY, 0);
 }
 

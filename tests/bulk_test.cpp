@@ -29,11 +29,13 @@ void expectAll(const Kelm_2D& dt, const std::vector<Point2>& v, const std::vecto
 TEST(BulkInsertion, EachKindIsValidFromVectorAndArrayWithAnyNumberOfThreads) {
     for (const PointSet& set : makeAllKinds(2500)) {
         std::set<Places> sExpected;
-        for (int numCPU : {1, 2, 4, 8}) {
+        for (int numCPU : {1, 2, 3, 4, 8}) {
             SCOPED_TRACE(testing::Message() << set.name << ", CPUs: " << numCPU);
             Kelm_2D dt, fromArray;
             dt.setNumCPU(numCPU);
             fromArray.setNumCPU(numCPU);
+            dt.getImpl()->setMinParallelInsertion(1000);
+            fromArray.getImpl()->setMinParallelInsertion(1000);
             std::vector<Point2*> vHandles(7, nullptr);
             std::vector<double> vCoordinates;
             for (const Point2& p : set.points) {
@@ -42,7 +44,7 @@ TEST(BulkInsertion, EachKindIsValidFromVectorAndArrayWithAnyNumberOfThreads) {
             dt.insert(set.points, vHandles);
             expectAll(dt, set.points, vHandles);
             fromArray.insert(2500, vCoordinates.data(), vHandles.data());
-            EXPECT_EQ(triangleSet(dt), triangleSet(fromArray));
+            EXPECT_TRUE((!set.bGeneral && numCPU > 1) || triangleSet(dt) == triangleSet(fromArray));
             expectAll(fromArray, set.points, vHandles);
             if (numCPU == 1) sExpected = triangleSet(dt);
             EXPECT_TRUE(!set.bGeneral || sExpected == triangleSet(dt));

@@ -15,7 +15,7 @@ using namespace QUOR_KELM25D;
 namespace {
 
 // Keys ascend, and all of the input, which has each position once, is still there.
-void expectSorted(std::vector<KeyPos> vKeys, const std::vector<KeyPos>& vInput) {
+void expectSorted(KeyPosVector vKeys, const KeyPosVector& vInput) {
     const auto byKey = [](const KeyPos& a, const KeyPos& b) { return a.key < b.key; };
     ASSERT_TRUE(std::is_sorted(vKeys.begin(), vKeys.end(), byKey));
     std::sort(vKeys.begin(), vKeys.end(), [](const KeyPos& a, const KeyPos& b) { return a.pos < b.pos; });
@@ -60,8 +60,8 @@ TEST(HilbertSort, OneAndFourPartsSortKeysAndEntries) {
         for (std::uint32_t range : {1U, 5U, 1U << 30}) {
             for (int numCPU : {1, 3, 4, 8}) {
                 SCOPED_TRACE(testing::Message() << n << " keys below " << range << ", CPUs: " << numCPU);
-                std::vector<KeyPos> vKeys, vActive, vFound;
-                std::vector<IdxVtx> vEntries;
+                KeyPosVector vKeys, vActive, vFound;
+                IdxVtxVector vEntries;
                 std::vector<Point2> vPoints(n);
                 for (std::uint32_t i = 0; i < n; ++i) {
                     vKeys.push_back({static_cast<std::uint32_t>(random() % range), i});
@@ -69,7 +69,7 @@ TEST(HilbertSort, OneAndFourPartsSortKeysAndEntries) {
                     if (vEntries[i].bActive) vActive.push_back(vKeys[i]);
                     if (i == n / 2) sortEntries(vEntries, 0, numCPU);
                 }
-                const std::vector<KeyPos> vInput = vKeys;
+                const KeyPosVector vInput = vKeys;
                 sortKeys(vKeys, numCPU);
                 expectSorted(vKeys, vInput);
                 sortEntries(vEntries, std::min(n, n / 2 + 1), numCPU);
@@ -90,12 +90,12 @@ TEST(HilbertSort, OneAndFourPartsSortKeysAndEntries) {
 TEST(HilbertSort, RefinedRunsKeepKeysAndBringNeighboursTogether) {
     std::mt19937_64 random(3);
     std::vector<Point2> vPoints;
-    std::vector<KeyPos> vInput;
+    KeyPosVector vInput;
     for (std::uint32_t i = 0; i < 3000; ++i) { // one run of many places, one of one place, short ones
         vPoints.emplace_back(i < 2000 ? random() % 1000 : 5, i < 2000 ? random() % 1000 : 5, 0);
         vInput.push_back({i < 2000 ? 7 : (i < 2500 ? 8 : 9 + i / 10), i});
     }
-    std::vector<KeyPos> vKeys = vInput;
+    KeyPosVector vKeys = vInput;
     refineEqualKeys(
         vKeys, [&](std::uint32_t i) { return vPoints[i].x(); },
         [&](std::uint32_t i) { return vPoints[i].y(); });

@@ -1,5 +1,6 @@
-// Removal of hull vertices, down to nothing and up again.
+// Removal of vertices, inside and on the hull, down to nothing and up again.
 // That insertion is valid is tested in insertion_test.cpp and bulk_test.cpp.
+#include "CoutCapture.h"
 #include "Dt2.h"
 #include "pointSets.h"
 
@@ -11,30 +12,30 @@
 using namespace QUOR_KELM25D;
 using namespace QUOR_KELM25D::testing_support;
 
-TEST(HullRemoval, MeshIsValidDownToNothingAndUpAgain) {
+TEST(Removal, LongSequencesLeaveTheMeshOfWhatIsLeft) {
     std::mt19937_64 random(21);
-    for (const PointSet& set : makeAllKinds(50)) {
+    for (const PointSet& set : makeAllKinds(60)) {
         SCOPED_TRACE(set.name);
         Kelm_2D dt;
-        dt.insert(set.points);
-        for (int round = 0; round < 3; ++round) {
-            for (unsigned n = dt.numberOfPoints(); n > 0; --n) {
-                std::vector<Point2*> vCandidates = hullVertices(dt);
-                if (vCandidates.empty()) dt.getVertexPointers(vCandidates);
-                Point2* pVtx = vCandidates[random() % vCandidates.size()];
-                dt.getImpl()->remove(pVtx, true);
-                ASSERT_EQ(nullptr, pVtx->getIncidentTriangle());
-                ASSERT_EQ(n - 1, dt.numberOfPoints());
-                ASSERT_VALID_MESH(dt);
-                if (round == 0 && n == 20) break; // up again from the middle too
-            }
-            dt.setNumCPU(1 + round);
-            if (round != 1) dt.insert(set.points);
-            for (const Point2& p : set.points) {
-                dt.insert(p);
+        for (const std::size_t goal : {60, 0, 60, 2, 30, 20, 60, 2, 40, 0, 50, 5, 60, 10}) {
+            const bool bHull = random() % 2 == 0, bDown = goal < dt.numberOfPoints();
+            if (goal == 60) dt.insert(set.points);
+            while (dt.numberOfPoints() != std::min(goal, countPlaces(set.points))) {
+                std::vector<Point2*> v = hullVertices(dt);
+                if (!bHull || v.empty()) dt.getVertexPointers(v);
+                Point2* pVtx = bDown ? v[random() % v.size()] : nullptr;
+                bDown ? dt.remove(pVtx) : void(dt.insert(set.points[random() % 60]));
+                ASSERT_TRUE(!bDown || pVtx->getIncidentTriangle() == nullptr);
                 ASSERT_VALID_MESH(dt);
             }
-            ASSERT_EQ(countPlaces(set.points), dt.numberOfPoints());
+            ASSERT_VALID_MESH(dt);
+            std::vector<Point2*> vLeft;
+            dt.getVertexPointers(vLeft);
+            Kelm_2D fresh;
+            for (const Point2* pVtx : vLeft)
+                fresh.insert(*pVtx);
+            ASSERT_EQ(vLeft.size(), dt.numberOfPoints());
+            ASSERT_TRUE(!set.bGeneral || triangleSet(fresh) == triangleSet(dt));
         }
     }
 }
@@ -57,4 +58,42 @@ TEST(HullRemoval, FanOfManyTrianglesGoesInLinearTime) {
     dt.insert(v[0]);
     ASSERT_VALID_MESH(dt);
     EXPECT_EQ(n - 1U, dt.numberOfTriangles());
+}
+
+TEST(Removal, CentreOfManyCocircularVertices) {
+    std::vector<Point2> v{{0, 0, 0}};
+    for (const PointSet& set : makeAllKinds(2000)) {
+        if (set.name == "integer circle") v.insert(v.end(), set.points.begin(), set.points.end());
+    }
+    Kelm_2D dt;
+    std::vector<Point2*> vHandles;
+    dt.insert(v, vHandles);
+    ASSERT_EQ(dt.numberOfPoints() - 1, dt.numberOfTriangles()); // each has the centre
+    dt.remove(vHandles[0]);
+    ASSERT_VALID_MESH(dt);
+}
+
+TEST(Removal, MisuseWarnsAndChangesNothing) {
+    CoutCapture capture;
+    Kelm_2D dt;
+    Point2 *p = dt.insert({0, 0, 0}), *q = dt.insert({1, 1, 0}), loose(1, 0.5, 0);
+    for (int i = 0; i < 2; ++i) { // before there are triangles the second time does nothing
+        dt.remove(p);
+        EXPECT_EQ(1U, dt.numberOfPoints());
+    }
+    EXPECT_NE(p, dt.insert({0, 0, 0})); // its storage is not used again
+    dt.insert({2, 0, 0});
+    for (Point2* pBad : {static_cast<Point2*>(nullptr), p, &loose}) {
+        dt.remove(pBad);
+        EXPECT_NE(std::string::npos,
+                  capture.take().find(
+                      pBad == nullptr
+                          ? "Dt2::remove(..), WARNING: pVtx==NULL, illegal, return."
+                          : "Dt2::remove(), WARNING: vertex does not belong to the triangulation, return"));
+        EXPECT_EQ(1U, dt.numberOfTriangles());
+        ASSERT_VALID_MESH(dt);
+    }
+    dt.remove(q);
+    EXPECT_TRUE(!dt.is2D() && dt.numberOfTriangles() == 0 && dt.numberOfPoints() == 2);
+    EXPECT_EQ("", capture.take());
 }

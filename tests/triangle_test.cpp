@@ -68,7 +68,7 @@ TEST(TriangleMeasures, KnownTrianglesGiveKnownValues) {
         EXPECT_TRUE(t.getSquaredEdgeLength2D(i) == aSq2D[i] && t.getSquaredEdgeLength25D(i) == aSq25D[i]);
     EXPECT_DOUBLE_EQ(t.getArea2D(), 6);
     EXPECT_DOUBLE_EQ(t.getArea25D(), 10);
-    EXPECT_TRUE(t.getBarycenter().samePoint(Point2(3 / 3.0, 4 / 3.0, 4 / 3.0)));
+    EXPECT_TRUE(OwnTriangle({1, 2, 3}, {2, 4, 1}, {6, 3, 8}).getBarycenter().samePoint(Point2(3, 3, 4)));
     // The arcs of 4/3 and 4/5; the factor 57.295779513 carries 11 digits.
     EXPECT_NEAR(t.getInteriorAngle2D(1), 53.13010235, 1e-8);
     EXPECT_NEAR(t.getInteriorAngle25D(1), 38.65980825, 1e-8);

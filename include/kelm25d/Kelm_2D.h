@@ -3,9 +3,11 @@
 /// Points are in Point2.h, triangles in Triangle2.h, reading of point files in dataFiles.h.
 #pragma once
 
+#include <kelm25d/Bbox2.h>
 #include <kelm25d/MsgBase.h>
 #include <kelm25d/Orientation2.h>
 #include <kelm25d/Point2.h>
+#include <kelm25d/Segment2.h>
 #include <kelm25d/Triangle2.h>
 #include <kelm25d/export.h>
 
@@ -15,6 +17,8 @@
 namespace QUOR_KELM25D {
 
 class Dt2;
+class Visualizer2;
+class Visualizer3;
 
 /// A Delaunay triangulation of points in the xy plane that carries a height on each vertex.
 ///
@@ -59,6 +63,65 @@ public:
     /// input order. A numPoints of 0 or less does nothing, nor, after an error line, a null array. Custom
     /// indices are -1.
     void insert(int numPoints, double* aCoordinates, Point2** aHandles);
+
+    /// Takes a vertex out. Its storage stays readable until this object dies, its incident triangle becomes
+    /// null. With fewer than three non-collinear vertices left there are no triangles any more and the others
+    /// wait. A null pointer, or a vertex that is not part of the triangulation, gives a warning and changes
+    /// nothing. Cost: linear in the number of the vertex's neighbours, and a search.
+    void remove(Point2* pVertex);
+
+    /// The triangle that p lies in; on an edge or at a vertex, one of those that meet there. Null if p lies
+    /// outside the hull, if a coordinate is not finite, and before is2D(). Heights are ignored. Logarithmic
+    /// search.
+    Triangle2* locate(const Point2& p);
+
+    /// The triangle that has the directed edge from p0 to p1 on its counterclockwise boundary, so that it
+    /// lies on the left; null if p1 is no neighbour of p0 or the hull lies between. A null pointer, or p0 ==
+    /// p1, fails a check and throws KelmException. Linear in the number of neighbours, as are the next two.
+    Triangle2* getAdjacentTriangle(Point2* p0, Point2* p1);
+
+    /// Appends the triangles around a vertex, counterclockwise from its incident triangle; around a hull
+    /// vertex the sequence jumps over the outside. A vertex without triangles throws KelmException.
+    void getIncidentTriangles(Point2* pVtx, std::vector<Triangle2*>& vTriangles);
+
+    /// Appends the neighbours of a vertex, each once, by address: in no geometric order. A vertex without
+    /// triangles throws KelmException.
+    void getIncidentVertices(Point2* pVtx, std::vector<Point2*>& vVertices);
+
+    /// The box of all vertices; invalid if there are none. Linear.
+    Bbox2 computeBoundingBox();
+
+    /// Appends the vertices of the convex hull, counterclockwise from the lowest of the leftmost ones: its
+    /// corners, or with bAllVertices also those that lie inside its edges. Before is2D() a warning, and
+    /// nothing is appended.
+    void getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull);
+
+    /// The height of the surface at (x, y), exactly the vertex's z at a vertex and between the heights of the
+    /// corners elsewhere.
+    /// @param height is written only with the result true
+    /// @param pApproxT the triangle whose plane is asked, if the caller knows it; null means search
+    /// @param tolerance outside the hull, the height of the hull's border is taken at the nearest place, if
+    /// that is not farther than this
+    /// @return false outside the hull (and tolerance), before is2D(), and for coordinates that are not finite
+    bool getHeight(double x, double y, double& height, Triangle2* pApproxT = nullptr, double tolerance = 0.0);
+
+    /// Lays segments over the surface: each is cut wherever it crosses an edge or runs through a vertex, and
+    /// the pieces are appended with the heights of the surface. Heights of the input are ignored.
+    /// @param zTolerance if not negative, neighbouring pieces of a segment are joined as long as no height
+    /// changes by more than this; the line in the plane stays
+    /// @return false if a segment was outside the hull, wholly or in part; what lies over the hull is
+    /// appended
+    bool drape(std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, double zTolerance);
+
+    /// Checks the links between triangles, and on demand that no vertex next to a triangle lies inside its
+    /// circumcircle, and reports what is wrong on standard output; violated circles are drawn to files as
+    /// well.
+    /// @param msg tells the calls apart in the report
+    /// @return true if nothing was found, also before is2D()
+    bool checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg);
+
+    /// Prints the number of triangles and a histogram of their angles in space, titled with s.
+    void statistics(const std::string& s);
 
     /// Whether triangles exist: true from the third non-collinear point on.
     bool is2D() const;
@@ -114,6 +177,30 @@ public:
     /// corners counterclockwise as seen from above. Coordinates read back as the same doubles. Before is2D()
     /// an error line is printed and no file is written; a file that can't be opened is not reported.
     void writeObj(const std::string& filename) const;
+
+    /// Draws all edges to an A4 PostScript file, replacing it. With bWithConstraints constraint edges are
+    /// thick and red, else thinner than the others. Before is2D() an error line is printed and the page stays
+    /// empty.
+    void show(const std::string& postscriptFilename, bool bWithConstraints) const;
+
+    /// Adds the edges to a drawing, which stays the caller's and is not written yet.
+    void show(Visualizer2* pVisualizer, bool bWithConstraints) const;
+
+    /// Writes all triangles as a Geomview file, replacing it, in one colour: four numbers from 0 to 1 as
+    /// text, for example "0 1 1 1". Before is2D() an error line is printed and no file is written. See
+    /// Visualizer3.
+    void showGeomview(const std::string& filename, const std::string& color) const;
+
+    /// Adds all triangles to an open Geomview file, which stays the caller's, in an ochre. Before is2D() an
+    /// error line is printed, for a null pointer a warning, and nothing is added.
+    void showGeomview(Visualizer3* pVisualizer) const;
+
+    /// Writes a directory that shows the triangles in a browser: index.html, the scripts of the viewer, and
+    /// the mesh 3d.obj as by writeObj. Missing directories are made, files of these names replaced. A
+    /// directory that can't be made gives a warning and nothing is written; a viewer that this build does not
+    /// hold gives an error line, and page and mesh are written. Browsers read no mesh from a file address:
+    /// serve the directory, for example by `python3 -m http.server` in it.
+    void writeWebScene(const char* path) const;
 
     /// The implementation, for the library's own classes.
     Dt2* getImpl() const noexcept { return pImpl; }

@@ -5,9 +5,11 @@
 
 #include <kelm25d/Bbox2.h>
 #include <kelm25d/Circle2.h>
+#include <kelm25d/Color.h>
 #include <kelm25d/Edge2.h>
 #include <kelm25d/KelmException.h>
 #include <kelm25d/Kelm_2D.h>
+#include <kelm25d/Label.h>
 #include <kelm25d/MsgBase.h>
 #include <kelm25d/Orientation2.h>
 #include <kelm25d/Plane.h>
@@ -17,8 +19,11 @@
 #include <kelm25d/TriangleAroundVertexIterator.h>
 #include <kelm25d/Vector2.h>
 #include <kelm25d/VertexPair2.h>
+#include <kelm25d/Visualizer2.h>
+#include <kelm25d/Visualizer3.h>
 #include <kelm25d/dataFiles.h>
 #include <kelm25d/export.h>
 #include <kelm25d/reconstruct.h>
 #include <kelm25d/timer.h>
 #include <kelm25d/version.h>
+#include <kelm25d/webScene.h>

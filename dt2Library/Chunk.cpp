@@ -1,0 +1,222 @@
+// The influence box of a chunk, and the insertion of its vertices on a worker thread.
+// The header tells why this is safe.
+
+#include "Chunk.h"
+
+#include "Dt2.h"
+#include "messages.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr double circleEnlargement = 1.05; // of the radius, when asking what reaches the chunk's box
+constexpr double boxMargin = 0.01;         // of the extents, around the circles
+constexpr double wellConditioned = 1e-9;   // least ratio of the doubled area to the sum of its terms
+constexpr std::size_t minBisection = 16;
+
+/// Set of triangles met by a search: open addressing, doubled when half full.
+class VisitedSet {
+public:
+    VisitedSet() : vSlots(256, nullptr) {}
+
+    /// False if the triangle was in the set already.
+    bool insert(const Triangle2* pT) {
+        if (2 * (count + 1) > vSlots.size()) grow();
+        return place(pT);
+    }
+
+private:
+    bool place(const Triangle2* pT) {
+        const std::size_t mask = vSlots.size() - 1;
+        std::size_t i =
+            (reinterpret_cast<std::uintptr_t>(pT) / sizeof(Triangle2)) * 0x9e3779b97f4a7c15ULL >> 32;
+        for (i &= mask; vSlots[i] != nullptr; i = (i + 1) & mask) {
+            if (vSlots[i] == pT) return false;
+        }
+        vSlots[i] = pT;
+        ++count;
+        return true;
+    }
+    void grow() {
+        std::vector<const Triangle2*> vOld(2 * vSlots.size(), nullptr);
+        vOld.swap(vSlots);
+        count = 0;
+        for (const Triangle2* pT : vOld) {
+            if (pT != nullptr) place(pT);
+        }
+    }
+
+    std::vector<const Triangle2*> vSlots;
+    std::size_t count = 0;
+};
+
+/// A circle that surely holds the corners of a triangle and very nearly is its circumcircle; infinite where
+/// the circumcircle can't be told.
+struct Circle {
+    double x = 0.0, y = 0.0, radius = std::numeric_limits<double>::infinity();
+
+    bool isFinite() const noexcept { return radius < std::numeric_limits<double>::infinity(); }
+};
+
+Circle circleThrough(const Triangle2& t, double centerX, double centerY) noexcept {
+    double least = std::numeric_limits<double>::infinity(), most = 0.0; // squared distances
+    for (int i = 0; i < 3; ++i) {
+        const double dx = t.getCorner(i)->x() - centerX, dy = t.getCorner(i)->y() - centerY;
+        const double distance = dx * dx + dy * dy;
+        least = std::min(least, distance);
+        most = std::max(most, distance);
+    }
+    if (!(most - least <= 0.001 * most)) return Circle();
+    return {centerX, centerY, std::sqrt(most)};
+}
+
+/// By the formula relative to a corner; slivers for which rounding spoils it get the infinite circle.
+Circle circumcircle(const Triangle2& t) noexcept {
+    const Point2 &a = *t.getCorner(0), &b = *t.getCorner(1), &c = *t.getCorner(2);
+    const double bx = b.x() - a.x(), by = b.y() - a.y(), cx = c.x() - a.x(), cy = c.y() - a.y();
+    const double t1 = bx * cy, t2 = by * cx, area = 2.0 * (t1 - t2);
+    if (!(area > wellConditioned * (std::fabs(t1) + std::fabs(t2)))) return Circle();
+    const double sqB = bx * bx + by * by, sqC = cx * cx + cy * cy;
+    return circleThrough(t, a.x() + (cy * sqB - by * sqC) / area, a.y() + (bx * sqC - cx * sqB) / area);
+}
+
+/// Whether a circle comes as close to the border of the box as distance.
+bool reachesBorder(const Bbox2& box, const Circle& circle, double distance) noexcept {
+    const double dx = std::max(box.get_minX() - circle.x, circle.x - box.get_maxX());
+    const double dy = std::max(box.get_minY() - circle.y, circle.y - box.get_maxY());
+    if (dx <= 0.0 && dy <= 0.0) return -std::max(dx, dy) <= distance; // the centre is inside
+    const double outX = std::max(dx, 0.0), outY = std::max(dy, 0.0);
+    return outX * outX + outY * outY <= distance * distance;
+}
+
+void widen(Bbox2& box, const Circle& circle, const Bbox2& frame) {
+    if (!circle.isFinite()) {
+        box.add(frame.getMinPoint());
+        box.add(frame.getMaxPoint());
+        return;
+    }
+    box.add(Point2(circle.x - circle.radius, circle.y - circle.radius, 0.0));
+    box.add(Point2(circle.x + circle.radius, circle.y + circle.radius, 0.0));
+}
+
+} // namespace
+
+Triangle2* FreshTriangles::take() {
+    if (count == 0) count = pDt->createTriangles(refill, pFirst);
+    --count;
+    return pFirst++;
+}
+
+void FreshTriangles::giveBack() {
+    pDt->releaseTriangles(pFirst, count);
+    count = 0;
+}
+
+Chunk::Chunk(Dt2* pDt_, const Bbox2& frame_, const DenseVertices& denseVertices_, std::size_t firstIdx_,
+             std::size_t lastIdx_, const Point2* pNear_)
+    : pDt(pDt_), frame(frame_), denseVertices(denseVertices_), firstIdx(firstIdx_), lastIdx(lastIdx_),
+      pNear(pNear_), inserter(quorTest) {
+    // The two maxima go in with their sign, deliberately; what they do not cover widens the filter.
+    const double asWritten = 1.01 * std::max(frame.get_maxX(), frame.get_maxY());
+    quorTest.setRange(
+        std::max({asWritten, frame.getMinPoint().getMaxAbs(), frame.getMaxPoint().getMaxAbs()}));
+}
+
+void Chunk::prepare() {
+    for (std::size_t i = firstIdx; i < lastIdx; ++i) {
+        ownBox.add(*denseVertices[i]);
+    }
+    const Point2 corner = ownBox.getMinPoint();
+    Triangle2* pStartT = getStart();
+    int edgeIdx = -1;
+    inserter.locateFrom(&corner, pStartT, edgeIdx);
+    pNear = pStartT->getCorner(0);
+
+    // All triangles whose circle reaches the border of the box are connected: a search from the one at a
+    // corner finds them, and those around them that it turns away are their neighbours.
+    Bbox2 extremes = ownBox;
+    VisitedSet visited;
+    std::vector<Triangle2*> vT = {pStartT};
+    visited.insert(pStartT);
+    widen(extremes, circumcircle(*pStartT), frame);
+    while (!vT.empty()) {
+        const Triangle2* pT = vT.back();
+        vT.pop_back();
+        for (int i = 0; i < 3; ++i) {
+            Triangle2* pN = pT->getOppositeTriangle(i);
+            if (pN == nullptr || !visited.insert(pN)) continue;
+            const Circle circle = circumcircle(*pN);
+            widen(extremes, circle, frame);
+            if (!circle.isFinite() || reachesBorder(ownBox, circle, circleEnlargement * circle.radius)) {
+                vT.push_back(pN);
+            }
+        }
+    }
+
+    // All vertices lie in the frame, so nothing beyond it is touched.
+    const double dx = boxMargin * extremes.getRangeX(), dy = boxMargin * extremes.getRangeY();
+    influenceBox = ownBox;
+    influenceBox.add(Point2(std::max(extremes.get_minX() - dx, frame.get_minX()),
+                            std::max(extremes.get_minY() - dy, frame.get_minY()), 0.0));
+    influenceBox.add(Point2(std::min(extremes.get_maxX() + dx, frame.get_maxX()),
+                            std::min(extremes.get_maxY() + dy, frame.get_maxY()), 0.0));
+}
+
+void Chunk::run(FreshTriangles& fresh) {
+    insertBisecting(firstIdx, lastIdx, getStart(), fresh);
+}
+
+/// The order of Dt2::insertRangeSequential.
+Triangle2* Chunk::insertBisecting(std::size_t first, std::size_t last, Triangle2* pHint,
+                                  FreshTriangles& fresh) {
+    if (last - first < minBisection) {
+        for (; first != last; ++first) {
+            pHint = insert(denseVertices[first], pHint, fresh);
+        }
+        return pHint;
+    }
+    const std::size_t middle = first + (last - first) / 2;
+    pHint = insert(denseVertices[middle], pHint, fresh);
+    insertBisecting(first, middle, pHint, fresh);
+    Triangle2* pIncT = denseVertices[middle]->getIncidentTriangle();
+    if (pIncT == nullptr) pIncT = pHint; // a duplicate, or put off
+    KELM_CHECK(pIncT!=NULL);
+    return insertBisecting(middle + 1, last, pIncT, fresh);
+}
+
+Triangle2* Chunk::insert(Point2* p, Triangle2* pHint, FreshTriangles& fresh) {
+    Triangle2* pT = pHint;
+    int edgeIdx = -1;
+    const int result = inserter.locateFrom(p, pT, edgeIdx, &influenceBox);
+    if (result == MeshInserter::AT_CORNER) {
+        for (int i = 0; i < 3; ++i) {
+            if (*pT->getCorner(i) == *p) pDt->addDuplicate(p, pT->getCorner(i));
+        }
+        return pT;
+    }
+    if (result != MeshInserter::INSIDE) {
+        vPostponed.push_back(p);
+        return pHint;
+    }
+    Triangle2* pNew0 = fresh.take();
+    Triangle2* pNew1 = fresh.take();
+    Triangle2* pKept = edgeIdx < 0 ? inserter.splitTriangle(pT, p, pNew0, pNew1)
+                                   : inserter.splitEdge(pT, p, edgeIdx, pNew0, pNew1);
+    inserter.legalize(p);
+    return pKept;
+}
+
+void Chunk::insertPostponed() {
+    for (Point2* p : vPostponed) {
+        pDt->insertVertex(p, getStart());
+    }
+    vPostponed.clear();
+}
+
+} // namespace QUOR_KELM25D

@@ -1,0 +1,134 @@
+// The check of the whole mesh, and the statistics of its angles.
+// It reports what it finds and never throws for it; the drawings that go with a report are PostScript files.
+
+#include "Dt2.h"
+
+#include "Histogram.h"
+#include "messages.h"
+
+#include <kelm25d/Circle2.h>
+#include <kelm25d/Visualizer2.h>
+
+#include <cmath>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+namespace QUOR_KELM25D {
+
+std::string nextDebugPrefix() {
+    static int counter = 0;
+    std::ostringstream prefix;
+    prefix << std::setw(5) << ++counter << '_';
+    return prefix.str();
+}
+
+namespace {
+
+/// What is wrong between a triangle and its neighbour i, null if nothing: the neighbour must hold the
+/// triangle in a slot whose edge has the same ends the other way round.
+const char* neighbourFault(const Triangle2* pT, int i) {
+    const Triangle2* pN = pT->getOppositeTriangle(i);
+    bool bSlot = false;
+    for (int j = 0; j < 3; ++j) {
+        if (pN->getOppositeTriangle(j) != pT) continue;
+        bSlot = true;
+        if (pN->getCorner(incIndexBy1(j)) == pT->getCorner(incIndexBy2(i)) &&
+            pN->getCorner(incIndexBy2(j)) == pT->getCorner(incIndexBy1(i))) {
+            return nullptr;
+        }
+    }
+    return bSlot ? "Neighbor found but inconsistent intra triangle indices:" : "Inconsistent neighborships:";
+}
+
+bool checkTopology(const std::vector<Triangle2*>& vTriangles, const std::string& where) {
+    bool bOK = true;
+    const auto report = [&](const char* text, const Triangle2* pT) {
+        printError(where, text);
+        std::cout << *pT << std::endl;
+        bOK = false;
+    };
+    for (const Triangle2* pT : vTriangles) {
+        const Point2 *a = pT->getCorner(0), *b = pT->getCorner(1), *c = pT->getCorner(2);
+        if (a == b || b == c || c == a) report("Less than three different corners", pT);
+        for (int i = 0; i < 3; ++i) {
+            if (pT->getOppositeTriangle(i) == nullptr) continue;
+            if (const char* fault = neighbourFault(pT, i)) {
+                report(fault, pT);
+                std::cout << *pT->getOppositeTriangle(i) << std::endl;
+            }
+        }
+    }
+    return bOK;
+}
+
+/// Draws the points that lie inside circles of triangles they do not belong to, and these circles.
+void drawFailures(const std::vector<std::pair<const Triangle2*, const Point2*>>& vFailures) {
+    Visualizer2 visualizer(nextDebugPrefix() + "badEmptyCircle.ps");
+    for (const auto& failure : vFailures) {
+        const Point2 center = failure.first->getDual().first;
+        const double dx = center.x() - failure.first->getCorner(0)->x();
+        const double dy = center.y() - failure.first->getCorner(0)->y();
+        visualizer.addObject(*failure.first, Color(CBLACK, 0.1F, false));
+        visualizer.addObject(Circle2(center, dx * dx + dy * dy), Color(CBLUE, 0.1F, false));
+        visualizer.addObject(*failure.second, Color(CRED, 1.0F, false));
+    }
+    visualizer.writeFile();
+}
+
+} // namespace
+
+bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) {
+    printInfo("Kelm_2D::CheckValidity(" + msg + ")", "has been started");
+    if (!is2D()) {
+        printWarning("checkValidity(" + msg + ")",
+                     "not fulldimensional yet (empty or all points collinear), Returning true");
+        return true;
+    }
+    std::vector<Triangle2*> vTriangles;
+    getTrianglePointers(vTriangles);
+    const std::string where = "Kelm_2D::CheckValidity(" + msg + ")";
+    bool bOK = checkTopology(vTriangles, where);
+    if (!bCheckEmptyCircleProperty) return bOK;
+
+    std::vector<std::pair<const Triangle2*, const Point2*>> vFailures;
+    for (const Triangle2* pT : vTriangles) {
+        for (int i = 0; i < 3; ++i) {
+            const Triangle2* pN = pT->getOppositeTriangle(i);
+            if (pN == nullptr) continue;
+            const Point2* d = pN->getCorner(pN->getIntraTriangleIndex(pT));
+            if (quorTest.circleIncFiltered(pT, d) != 1) continue;
+            printError(where, "Sphere inclusion test failed ");
+            std::cout << *pT << std::endl << *d << std::endl;
+            vFailures.emplace_back(pT, d);
+        }
+    }
+    if (!vFailures.empty()) {
+        std::cout << "\ncheckValidity, bug, name=" << msg << std::endl;
+        Visualizer2 visualizer(nextDebugPrefix() + "currentState.ps");
+        show(&visualizer, true);
+        visualizer.writeFile();
+        drawFailures(vFailures);
+        bOK = false;
+    }
+    return bOK;
+}
+
+void Dt2::statistics(const std::string& s) const {
+    std::cout << "\n\n\n********* MESH STATISTICS (" << s << ") **********\n\n";
+    Histogram histogram("INTERIOR ANGLES");
+    for (int bound = 10; bound <= 180; bound += 10) {
+        histogram.addBin(bound);
+    }
+    std::vector<Triangle2*> vTriangles;
+    getTrianglePointers(vTriangles);
+    std::cout << "Number of triangles: " << vTriangles.size() << std::endl;
+    for (const Triangle2* pT : vTriangles) {
+        for (int i = 0; i < 3; ++i) {
+            histogram.add(pT->getInteriorAngle25D(i));
+        }
+    }
+    histogram.print();
+}
+
+} // namespace QUOR_KELM25D

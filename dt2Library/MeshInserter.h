@@ -1,0 +1,66 @@
+// The inner loop of insertion: the walk to a vertex, the splits of a triangle and of an edge, flips and
+// repair. It never extends the hull and owns no triangles: Dt2 does both, and Chunk on worker threads lends
+// it triangles.
+//
+// A new vertex q is located by a remembering walk (Devillers, Pion, Teillaud, "Walking in a Triangulation",
+// 2002). Inside a triangle it splits one into three, on an inner edge two into four. Then edges that violate
+// the empty circle are flipped (Lawson, 1977): every triangle to be checked has q as corner 0, so the edge in
+// question is its edge 0, and after a flip both triangles have q as corner 0 again. An in-circle value that
+// is exactly zero does not flip, with the exception of axis-parallel rectangles (see QuorTest::circleInc).
+//
+// Several inserters may work on one mesh at once if no triangle that one of them visits has two corners in
+// reach of another: they share nothing else. A walk can be kept within a box for that purpose.
+#pragma once
+
+#include "QuorTest.h"
+
+#include <kelm25d/Bbox2.h>
+#include <kelm25d/Triangle2.h>
+
+#include <vector>
+
+namespace QUOR_KELM25D {
+
+class MeshInserter {
+public:
+    /// Results of a walk besides the indices 0 to 2 of a hull edge.
+    enum { INSIDE = -1, AT_CORNER = 4, LEFT_LIMIT = 5 };
+
+    explicit MeshInserter(QuorTest& quorTest_);
+    MeshInserter(const MeshInserter&) = delete;
+    MeshInserter& operator=(const MeshInserter&) = delete;
+
+    /// Walks from pT to q. INSIDE: q lies in pT, on its inner edge edgeIdx unless that is -1. 0 to 2: q lies
+    /// outside the hull or on it, and that is the hull edge of pT to start from. AT_CORNER: q has the place
+    /// of a corner of pT. LEFT_LIMIT: the next step would have crossed an edge with an end outside pLimit,
+    /// which is not null.
+    int locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, const Bbox2* pLimit = nullptr);
+
+    /// Splits pT at q, which lies inside, into three: pT and two fresh triangles. The result has q.
+    Triangle2* splitTriangle(Triangle2* pT, Point2* q, Triangle2* pT1, Triangle2* pT2);
+    /// Splits inner edge edgeIdx of pT at q, which lies on it: two triangles become four. The result has q.
+    Triangle2* splitEdge(Triangle2* pT, Point2* q, int edgeIdx, Triangle2* pT3, Triangle2* pT4);
+    /// Restores the empty circles around q after a split.
+    void legalize(const Point2* q);
+
+    /// Whether q is inside the circle through the corners of pT, or completes an axis-parallel rectangle.
+    bool isInsideCircle(const Triangle2* pT, const Point2* q) {
+        const int result = QuorTest::circleIncFilter(pT->getCorner(0), pT->getCorner(1), pT->getCorner(2), q);
+        return result != 0 ? result == 1 : quorTest.circleInc(pT, q);
+    }
+
+    /// Turns edge i of pT around without any test. What stood at index i of pT then stands at index 0 of both
+    /// triangles.
+    static void flip(Triangle2* pT, int i);
+    /// Tells a neighbour, if there is one, that pOld was replaced by pNew.
+    static void relink(Triangle2* pNeighbour, const Triangle2* pOld, Triangle2* pNew) noexcept {
+        if (pNeighbour != nullptr) pNeighbour->setOppTriangle(pNeighbour->getIntraTriangleIndex(pOld), pNew);
+    }
+
+private:
+    QuorTest& quorTest;
+    std::vector<Triangle2*>
+        vFlipStack; // triangles with q as corner 0, to be checked; empty between insertions
+};
+
+} // namespace QUOR_KELM25D

@@ -1,0 +1,75 @@
+// Bulk insertion with several threads: the same mesh as with one, whatever the points and the number of
+// threads. Keys and sorts on threads are tested with the vault and in hilbert_test.cpp.
+
+#include "Dt2.h"
+#include "MeshChecker.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <random>
+
+using namespace QUOR_KELM25D;
+using namespace QUOR_KELM25D::testing_support;
+
+namespace {
+
+void insertInParallel(Kelm_2D& dt, int numCPU, const std::vector<Point2>& v, std::vector<Point2*>& vHandles) {
+    dt.setNumCPU(numCPU);
+    dt.getImpl()->setMinParallelInsertion(1000);
+    dt.insert(v, vHandles);
+}
+
+} // namespace
+
+TEST(ParallelInsertion, RepeatedOnesGrowTheMeshAndHullRemovalStillWorks) {
+    for (int numCPU : {2, 8}) {
+        Kelm_2D dt;
+        std::vector<Point2*> vHandles;
+        for (unsigned round = 0; round < 6; ++round) {
+            SCOPED_TRACE("CPUs: " + std::to_string(numCPU) + ", round " + std::to_string(round));
+            // Each round covers the one before and reaches further; every third point was there already.
+            std::mt19937_64 random(round);
+            std::uniform_real_distribution<double> uniform(-100.0 * (round + 1), 50.0 * (round + 1));
+            std::vector<Point2> v;
+            for (int i = 0; i < 3000; ++i) {
+                if (i % 3 == 0 && !vHandles.empty()) {
+                    v.push_back(*vHandles[static_cast<std::size_t>(i)]);
+                } else {
+                    const double x = uniform(random), y = uniform(random);
+                    v.emplace_back(round % 2 == 0 ? x : std::floor(x), y, i);
+                }
+            }
+            insertInParallel(dt, numCPU, v, vHandles);
+            ASSERT_VALID_MESH(dt);
+            for (std::size_t i = 0; i < v.size(); ++i) {
+                ASSERT_EQ(v[i], *vHandles[i]);
+            }
+        }
+        for (int i = 0; i < 300; ++i) {
+            dt.remove(vHandles[static_cast<std::size_t>(9 * i + 1)]);
+        }
+        ASSERT_VALID_MESH(dt);
+    }
+}
+
+TEST(ParallelInsertion, RandomShapesManyTimesOver) {
+    // Small runs with many chunks in conflict: strips, blobs far apart, lines, all on shifting coordinates.
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937_64 random(seed);
+        std::uniform_real_distribution<double> uniform(0.0, 1.0);
+        const double width = std::pow(10.0, uniform(random) * 6 - 3), shift = (uniform(random) - 0.5) * 1e7;
+        const int numBlobs = 1 + static_cast<int>(seed % 7);
+        std::vector<Point2> v;
+        for (int i = 0; i < 2500; ++i) {
+            const double blob = i % numBlobs * 50.0 * width;
+            const double x = shift + blob + width * uniform(random), y = uniform(random);
+            v.emplace_back(seed % 3 == 0 ? std::round(x) : x, seed % 5 == 0 ? std::round(y * 30) : y - shift,
+                           0.0);
+        }
+        Kelm_2D dt;
+        std::vector<Point2*> vHandles;
+        insertInParallel(dt, 2 + static_cast<int>(seed % 4), v, vHandles);
+        ASSERT_VALID_MESH(dt);
+    }
+}
