@@ -37,13 +37,8 @@ void Growth(benchmark::State& state) {
         benchmark::DoNotOptimize(dt.getImpl());
     }
 }
-BENCHMARK(Growth)
-    ->Arg(250000)
-    ->Arg(500000)
-    ->Arg(1000000)
-    ->Arg(2000000)
-    ->Arg(4000000)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Growth)->Arg(250000)->Arg(500000)->Arg(1000000)->Arg(2000000)->Arg(4000000)->Unit(
+    benchmark::kMillisecond);
 
 void SingleInsertion(benchmark::State& state) {
     const std::vector<Point2> vPoints = bench::makePoints(bench::UNIFORM, static_cast<int>(state.range(0)));

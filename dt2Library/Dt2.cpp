@@ -58,7 +58,7 @@ Point2* Dt2::insertPoint(const Point2& p) {
     if (!is2D()) {
         vertexVault.addVertex(key, pVtx);
         // Vertices that had to wait through a bulk insertion may turn out to be duplicates only now.
-        if (startTriangulation(0)) vertexVault.fixDuplicates(nullptr);
+        if (startTriangulation(vertexVault.size())) vertexVault.fixDuplicates(nullptr);
         return pVtx;
     }
     Triangle2* pStart = vertexVault.getCloT(key);
@@ -72,14 +72,16 @@ Point2* Dt2::insertPoint(const Point2& p) {
 /// The first triangle from three vertices that are not collinear, and then all that wait: the first
 /// numPreExistingVtx of the index before the others. False, and nothing changed, if there is no such triple.
 bool Dt2::startTriangulation(std::size_t numPreExistingVtx) {
-    KELM_CHECK(!vertexVault.isFullDimensional());
+    using std::distance; // the checks print their conditions as they stand
+    KELM_CHECK(!vertexVault.bFullDimensional);
     Point2 *a = nullptr, *b = nullptr, *c = nullptr;
     if (!vertexVault.getFirstTriple(a, b, c)) return false;
+    // Vertices that came one by one wait in the order they came in: walks between them would cross the mesh.
+    vertexVault.orderFront(numPreExistingVtx);
     vertexVault.setFullDimensional(true);
     Triangle2* pFirst = createTriangle(a, b, c);
     VertexVault::EntryIterator startIt, stopIt;
     vertexVault.getRange(0, startIt, stopIt);
-    using std::distance; // the check prints its condition as it stands
     KELM_CHECK(numPreExistingVtx<=(size_t)distance(startIt,stopIt));
     // The three corners are met again among the entries and recognised as already present.
     const auto middle = startIt + static_cast<std::ptrdiff_t>(numPreExistingVtx);
@@ -135,6 +137,7 @@ int Dt2::setNumCPU(int numCPU_) {
     } else if (numCPU_ < 0) {
         numCPU = 1;
     } else {
+        KELM_CHECK(numCPU_==0);
         numCPU = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
     }
     return numCPU;

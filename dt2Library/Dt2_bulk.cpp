@@ -10,9 +10,8 @@
 #include "MTCtrl.h"
 #include "messages.h"
 
-#include <kelm25d/timer.h>
-
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace QUOR_KELM25D {
@@ -136,7 +135,7 @@ void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandl
         insertVector(v, &vHandles);
     } else {
         KELM_CHECK(vertexVault.dupIsClean());
-        if (bbox.add(static_cast<unsigned>(numPoints), const_cast<double*>(aCoordinates))) followBoxGrowth();
+        if (bbox.add(static_cast<unsigned>(numPoints), aCoordinates)) followBoxGrowth();
         insertBulk("insert", n, &vHandles, [&](std::size_t& firstIdx) {
             vertexVault.addVertices(numPoints, aCoordinates, &vHandles, firstIdx);
         });
@@ -213,27 +212,26 @@ void Dt2::insertRangeSequential(VertexVault::EntryIterator first, VertexVault::E
 }
 
 double Dt2::measureTriangulationTime(const std::vector<Point2>& v) const {
-    static const std::string label = "[quiet] Delaunay point insertion";
-    Dt2* pTemporary = new Dt2(3);
-    timer(label);
-    pTemporary->setNumCPU(numCPU);
-    pTemporary->insertVector(v);
-    const double elapsed = timer(label);
-    delete pTemporary;
-    return elapsed;
+    // Not with timer(), whose names are shared by all triangulations and all threads.
+    const auto start = std::chrono::steady_clock::now();
+    Dt2 temporary(3);
+    temporary.setNumCPU(numCPU);
+    temporary.insertVector(v);
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 // --- the frame --------------------------------------------------------------------------------------------
 
 /// Surrounds the box with four far corners, so that no thread ever meets the hull. False, and nothing done,
-/// for a box without area or beyond the range of doubles: such points are inserted as with one thread.
+/// where no box fits around the points (without extent in x or y, or next to nothing, or beyond the range of
+/// doubles): they are inserted as with one thread.
 bool Dt2::createFakeBox() {
     Bbox2 frame = bbox; // a copy stays wired to quorTest: the filter has to cover the corners
     frame.enlargeRanges(frameFactor);
-    if (!(frame.getRangeX() > 0.0 && frame.getRangeY() > 0.0) || !std::isfinite(frame.getRangeX()) ||
-        !std::isfinite(frame.getRangeY())) {
-        return false;
-    }
+    // A box some few units in the last place wide is not enlarged at all.
+    const bool bAround = frame.get_minX() < bbox.get_minX() && frame.get_maxX() > bbox.get_maxX() &&
+                         frame.get_minY() < bbox.get_minY() && frame.get_maxY() > bbox.get_maxY();
+    if (!bAround || !std::isfinite(frame.getRangeX()) || !std::isfinite(frame.getRangeY())) return false;
     vertexVault.createFakeCorners(frame);
     if (is2D()) {
         for (std::size_t i = 0; i < 4; ++i) {
@@ -255,6 +253,7 @@ bool Dt2::createFakeBox() {
 }
 
 void Dt2::removeFakeBox() {
+    KELM_CHECK(vertexVault.vFakeBoxHandles.size()==4);
     for (std::size_t i = 0; i < 4; ++i) {
         remove(vertexVault.getFakeCorner(i), false);
     }

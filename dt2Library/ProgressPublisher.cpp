@@ -30,12 +30,15 @@ void ProgressPublisher::report() {
 }
 
 void ProgressPublisher::finish() {
-    if (bMuted || mSubscribers.empty()) return;
-    count = total;
-    if (!bDone) {
-        bDone = true;
-        publish(MSG_PROGRESS, label, 1.0);
+    if (bMuted) return;
+    if (!mSubscribers.empty()) {
+        count = total;
+        if (!bDone) {
+            bDone = true;
+            publish(MSG_PROGRESS, label, 1.0);
+        }
     }
+    // Cleared for one that has lost its last receiver too, or it would go on counting in the next task.
     label.clear();
     total = 0;
     count = 0;
@@ -61,7 +64,7 @@ bool ProgressPublisher::isSubscribed(MsgType msgType, const MsgBase* pReceiver) 
 }
 
 void ProgressPublisher::subscribe(MsgType msgType, MsgBase* pReceiver) {
-    if (!isSubscribed(msgType, pReceiver)) mSubscribers.emplace(msgType, pReceiver);
+    if (pReceiver != nullptr && !isSubscribed(msgType, pReceiver)) mSubscribers.emplace(msgType, pReceiver);
 }
 
 void ProgressPublisher::unsubscribe(MsgType msgType, MsgBase* pReceiver) {

@@ -52,7 +52,7 @@ public:
     void mute(bool bMute) { bMuted = bMute; }
     bool isMuted() const { return bMuted; }
 
-    /// A pair that is already present is not added again. pReceiver is not owned and not null.
+    /// A pair that is already present is not added again, nor is null. pReceiver is not owned.
     void subscribe(MsgType msgType, MsgBase* pReceiver);
     void unsubscribe(MsgType msgType, MsgBase* pReceiver);
 

@@ -44,7 +44,7 @@ Vector2 flat(const Vector2& v) noexcept {
 // The mean of the entries of smallest and of largest magnitude.
 double meanOfExtremes(double a, double b, double c) noexcept {
     const auto lessMagnitude = [](double l, double r) { return std::fabs(l) < std::fabs(r); };
-    return (std::min({a, b, c}, lessMagnitude) + std::max({a, b, c}, lessMagnitude)) * 0.5;
+    return 0.5 * std::min({a, b, c}, lessMagnitude) + 0.5 * std::max({a, b, c}, lessMagnitude);
 }
 
 } // namespace
@@ -164,7 +164,9 @@ void Triangle2::getCC_strategy2(int ici, double ox, double oy, Point2& cc) const
     const Point2 otherEnd = shifted(*aCorner[incIndexBy2(ici)], ox, oy);
     const Point2 middle((end.x() + otherEnd.x()) * 0.5, (end.y() + otherEnd.y()) * 0.5,
                         (end.z() + otherEnd.z()) * 0.5);
-    const Vector2 outward = (end - otherEnd).orthogonalVector();
+    const Vector2 edge = end - otherEnd;
+    if (!std::isfinite(edge.x()) || !std::isfinite(edge.y())) return; // beyond doubles: cc is found inaccurate
+    const Vector2 outward = edge.orthogonalVector();
 
     // Seen from the middle of the longest edge, the centre of an acute triangle lies on the apex's side and
     // not beyond the apex's distance; that of an obtuse one on the other side, as far as it likes.

@@ -373,10 +373,32 @@ void VertexVault::sortIfNeeded(bool bConditional) {
         --numInactive;
     }
     numSorted = vIdxVtxAct.size();
+    sampleKeys();
+    forgetWaiting();
+}
+
+void VertexVault::sampleKeys() {
     vKeySamples.clear();
     for (std::size_t i = 0; i < numSorted; i += sampleStep) {
         vKeySamples.push_back(vIdxVtxAct[i].hcKey);
     }
+}
+
+void VertexVault::orderFront(std::size_t n) {
+    KeyPosVector vKeys(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        vKeys[i] = {vIdxVtxAct[i].hcKey, static_cast<std::uint32_t>(i)};
+    }
+    sortKeys(vKeys, numCPU);
+    refineEqualKeys(
+        vKeys, [&](std::uint32_t i) { return vIdxVtxAct[i].pVtx->x(); },
+        [&](std::uint32_t i) { return vIdxVtxAct[i].pVtx->y(); });
+    const IdxVtxVector vUnordered(vIdxVtxAct.begin(), vIdxVtxAct.begin() + static_cast<std::ptrdiff_t>(n));
+    for (std::size_t i = 0; i < n; ++i) {
+        vIdxVtxAct[i] = vUnordered[vKeys[i].pos];
+    }
+    numSorted = std::max(n, numSorted);
+    sampleKeys();
     forgetWaiting();
 }
 

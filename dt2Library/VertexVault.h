@@ -83,6 +83,9 @@ public:
     // --- upkeep -------------------------------------------------------------------------------------------
 
     void setFullDimensional(bool bFull) noexcept;
+    /// Sorts the first n entries along the curve, and along finer ones where many share a key. For vertices
+    /// that have waited, before they enter the mesh; all of them active.
+    void orderFront(std::size_t n);
     /// The vertex left the triangulation.
     void deactivate(Point2* pVtx);
     /// Recomputes every key after the Hilbert curve changed.
@@ -113,6 +116,8 @@ public:
     void deleteFakeCorners();
 
 private:
+    friend class Dt2; // its checks print their conditions as they stand
+
     struct PlanHash {
         std::size_t operator()(const std::pair<double, double>& xy) const noexcept;
     };
@@ -124,6 +129,7 @@ private:
     template <class Matches>
     std::size_t findActive(std::uint32_t key, const Matches& matches) const;
     void deactivateEntry(IdxVtx& entry) noexcept;
+    void sampleKeys();
     void replaceHandles(std::vector<Point2*>& vHandles) const;
     const std::pair<Point2*, Point2*>* findRedundant(const Point2* pVtx) const noexcept;
     void sortRedundant();

@@ -90,3 +90,26 @@ TEST(Walk, EndsAtTheRightPlaceEvenAfterManySteps) {
         }
     }
 }
+
+TEST(SingleInsertion, LongLineThatWaitedInRandomOrderEntersInShortWalks) {
+    // Each walk over the fan of the line would be as long as the line: hours, but for the order.
+    std::vector<Point2> v;
+    for (int i = 0; i < 100000; ++i)
+        v.emplace_back(i, 0.0, 0.0);
+    std::shuffle(v.begin(), v.end(), std::mt19937_64(3));
+    for (const double height : {1e9, 1.0, 1e13}) { // far off, the points of the line share one key
+        for (const bool bBulkAtLast : {false, true}) {
+            Kelm_2D dt;
+            for (const Point2& p : v)
+                dt.insert(p);
+            ASSERT_FALSE(dt.is2D());
+            if (bBulkAtLast) {
+                dt.insert(std::vector<Point2>{{5.0, height, 0.0}, {7.0, 0.0, 0.0}, {6.0, height, 0.0}});
+            } else {
+                dt.insert(Point2(5.0, height, 0.0));
+            }
+            ASSERT_EQ(v.size() + (bBulkAtLast ? 2 : 1), dt.numberOfPoints());
+            ASSERT_VALID_MESH(dt);
+        }
+    }
+}

@@ -123,6 +123,19 @@ TEST(Progress, ReceiversAreASetInOrderOfRegistrationAndMayDieWithinUpdate) {
     EXPECT_TRUE(killer.vValues.size() == 1 && last.vValues.size() == 4);
 }
 
+TEST(Progress, TaskThatLostItsReceiverLeavesNothingBehind) {
+    ProgressPublisher publisher("test");
+    Receiver early, late;
+    publisher.subscribe(MSG_PROGRESS, nullptr);
+    publisher.subscribe(MSG_PROGRESS, &early);
+    publisher.begin("first", 2);
+    publisher.unsubscribe(MSG_PROGRESS, &early);
+    publisher.finish();
+    publisher.subscribe(MSG_PROGRESS, &late);
+    publisher.advance(1);
+    EXPECT_TRUE(late.vValues.empty());
+}
+
 TEST(Progress, ChildMovesItsParentBeforeItself) {
     Receiver receiver;
     ProgressPublisher parent("parent"), child("child");

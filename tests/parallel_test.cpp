@@ -73,3 +73,24 @@ TEST(ParallelInsertion, RandomShapesManyTimesOver) {
         ASSERT_VALID_MESH(dt);
     }
 }
+
+TEST(ParallelInsertion, BoxOfAFewUnitsInTheLastPlaceLosesNoPoint) {
+    // No frame fits around such a box between neighbouring doubles.
+    for (double base : {1e16, 9007199254740992.0, 1.0, -1e16}) {
+        const double step = std::nextafter(std::fabs(base), INFINITY) - std::fabs(base);
+        for (int width : {1, 2, 5, 40}) {
+            SCOPED_TRACE(std::to_string(base) + ", width " + std::to_string(width));
+            std::vector<Point2> v;
+            for (int i = 0; i < 2000; ++i) {
+                v.emplace_back(base + i % (width + 1) * step, i / (width + 1) % (width + 1) * step + base, i);
+            }
+            Kelm_2D dt;
+            std::vector<Point2*> vHandles;
+            insertInParallel(dt, 2, v, vHandles);
+            ASSERT_VALID_MESH(dt);
+            for (std::size_t i = 0; i < v.size(); ++i) {
+                ASSERT_EQ(v[i], *vHandles[i]);
+            }
+        }
+    }
+}

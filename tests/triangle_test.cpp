@@ -145,6 +145,9 @@ TEST(Circumcentre, BothStrategiesFindTheCentreUnlessTheCornersAreCollinear) {
         EXPECT_FALSE(OwnTriangle(p, Point2(8, 8, 0), q).getCC_strategy1(0, 0, cc)) << q;
     // With all corners in one place there is no bisector, the centre is no number, and the flag must say so.
     EXPECT_FALSE(OwnTriangle(p, p, p).getDual().second);
+    const double huge = 1.7e308; // differences are beyond doubles
+    EXPECT_FALSE(OwnTriangle({-huge, -huge, 0}, {huge, -huge, 0}, {0, huge, 0}).getDual().second);
+    EXPECT_FALSE(OwnTriangle({huge, huge, 0}, {huge, -huge, 0}, {-huge, 1, 0}).getDual().second);
 }
 
 TEST(Circumcentre, SliverFlagIsHonestAndBisectionRescuesSome) {

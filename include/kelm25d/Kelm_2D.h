@@ -25,7 +25,9 @@ class Visualizer3;
 /// The triangles cover exactly the convex hull of the points; an edge on the hull has a null opposite
 /// triangle. All decisions in the plane are exact. Until three points are known that are not collinear there
 /// are no triangles: the points wait, and is2D() is false. Points with the x and y of a vertex are
-/// duplicates: the vertex that is there stays, with its height. Where four or more points lie on one circle
+/// duplicates: the vertex that is there stays, with its height. Points that wait when a bulk insertion with
+/// several threads comes go on waiting, and are not compared with its points, until the triangulation starts
+/// anew; insert them with one thread, or in bulk, if that matters. Where four or more points lie on one circle
 /// the triangulation is not unique, and any of the Delaunay ones may result.
 ///
 /// Vertices and triangles belong to the triangulation. Their pointers stay valid until it is destroyed; a
@@ -45,6 +47,7 @@ public:
     /// Inserts one point.
     /// @return the vertex, an existing one if p has its x and y; null, after an error line, if x or y is not
     /// finite
+    ///
     /// Expected cost: logarithmic search plus constant work; a line of points waits at constant cost each.
     /// Location by walking: Devillers, Pion, Teillaud (2002); flips: Lawson (1977).
     Point2* insert(const Point2& p);

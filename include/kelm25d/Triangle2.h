@@ -196,7 +196,6 @@ protected:
 
 private:
     friend class Dt2;
-    friend class VertexVault;
     friend class Chunk;
 
     void reportMissingEdge(const Point2* pA, const Point2* pB) const;
