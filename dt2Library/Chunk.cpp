@@ -65,6 +65,7 @@ struct Circle {
 };
 
 Circle circleThrough(const Triangle2& t, double centerX, double centerY) noexcept {
+    if (!std::isfinite(centerX) || !std::isfinite(centerY)) return Circle();
     double least = std::numeric_limits<double>::infinity(), most = 0.0; // squared distances
     for (int i = 0; i < 3; ++i) {
         const double dx = t.getCorner(i)->x() - centerX, dy = t.getCorner(i)->y() - centerY;
