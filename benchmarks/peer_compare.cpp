@@ -3,16 +3,14 @@
 // million. CGAL's exact predicates are on, as the library's always are.
 
 #include "benchPoints.h"
+#include "compare.h"
 
 #include <kelm25d/Kelm_2D.h>
 
 #include <CGAL/Delaunay_triangulation_2.h>
 #include <CGAL/Exact_predicates_inexact_constructions_kernel.h>
 
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
-#include <functional>
 
 using namespace QUOR_KELM25D;
 
@@ -21,36 +19,6 @@ namespace {
 using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
 using CgalTriangulation = CGAL::Delaunay_triangulation_2<Kernel>;
 using CgalPoints = std::vector<Kernel::Point_2>;
-
-double secondsOf(const std::function<unsigned()>& work, unsigned& numTriangles) {
-    const auto start = std::chrono::steady_clock::now();
-    numTriangles = work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> vTimes) {
-    std::sort(vTimes.begin(), vTimes.end());
-    return vTimes[vTimes.size() / 2];
-}
-
-/// Runs both in turn; each run includes construction and destruction of the triangulation.
-void compare(const std::string& name, int numRuns, const std::function<unsigned()>& ours,
-             const std::function<unsigned()>& peers) {
-    std::vector<double> vOurs, vPeers, vRatios;
-    for (int run = 0; run < numRuns; ++run) {
-        unsigned numOurs = 0, numPeers = 0;
-        vOurs.push_back(secondsOf(ours, numOurs));
-        vPeers.push_back(secondsOf(peers, numPeers));
-        vRatios.push_back(vOurs.back() / vPeers.back());
-        if (numOurs != numPeers) {
-            std::printf("%s: %u triangles here, %u there\n", name.c_str(), numOurs, numPeers);
-            std::exit(1);
-        }
-    }
-    std::printf("| %-28s | %9.2f | %9.2f | %5.2f |\n", name.c_str(), 1e3 * median(vOurs),
-                1e3 * median(vPeers), median(vRatios));
-    std::fflush(stdout);
-}
 
 CgalPoints toCgal(const std::vector<Point2>& vPoints) {
     CgalPoints vCgal;
@@ -75,7 +43,7 @@ void compareBulk(bench::Kind kind, int numPoints, int numRuns) {
         dt.insert(vCgal.begin(), vCgal.end());
         return static_cast<unsigned>(dt.number_of_faces());
     };
-    compare(bench::nameOf(kind) + ", " + std::to_string(numPoints), numRuns, ours, peers);
+    bench::compare(bench::nameOf(kind) + ", " + std::to_string(numPoints), numRuns, ours, peers);
 }
 
 /// One by one; CGAL gets a face of the vertex before as its hint.
@@ -97,7 +65,7 @@ void compareSingle(int numPoints, int numRuns) {
         }
         return static_cast<unsigned>(dt.number_of_faces());
     };
-    compare("one by one, " + std::to_string(numPoints), numRuns, ours, peers);
+    bench::compare("one by one, " + std::to_string(numPoints), numRuns, ours, peers);
 }
 
 } // namespace
@@ -105,8 +73,7 @@ void compareSingle(int numPoints, int numRuns) {
 int main(int argc, char** argv) {
     const int numRuns = argc > 1 ? std::max(1, std::atoi(argv[1])) : 7;
     const int numSinglePoints = argc > 2 ? std::max(1, std::atoi(argv[2])) : 100000;
-    std::printf("| %-28s | %9s | %9s | %5s |\n", "points", "here, ms", "CGAL, ms", "ratio");
-    std::printf("|------------------------------|-----------|-----------|-------|\n");
+    bench::printHeader("insertion of points", "here, ms", "CGAL, ms");
     for (const bench::Kind kind : bench::allKinds()) {
         compareBulk(kind, 1000000, numRuns);
     }

@@ -57,13 +57,15 @@ Point2* Dt2::insertPoint(const Point2& p) {
     const std::uint32_t key = hilbert.getIdx(p);
     if (!is2D()) {
         vertexVault.addVertex(key, pVtx);
+        extent.add(p);
         // Vertices that had to wait through a bulk insertion may turn out to be duplicates only now.
         if (startTriangulation(vertexVault.size())) vertexVault.fixDuplicates(nullptr);
         return pVtx;
     }
-    Triangle2* pStart = vertexVault.getCloT(key);
+    Triangle2* pStart = findStart(p);
     vertexVault.addVertex(key, pVtx);
-    insertVertex(pVtx, pStart);
+    extent.add(p);
+    pLastFound = insertVertex(pVtx, pStart);
     if (!vertexVault.dupIsClean()) return vertexVault.resolveDuplicate(pVtx);
     vertexVault.sortIfNeeded(true);
     return pVtx;

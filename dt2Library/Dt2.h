@@ -148,6 +148,7 @@ private:
 
     // --- Dt2_location.cpp ---------------------------------------------------------------------------------
 
+    Triangle2* findStart(const Point2& q) const;
     Triangle2* splitHullEdge(Triangle2* pT, Point2* q, int edgeIdx);
     Triangle2* extendHull(Point2* q, Triangle2* pT, int edgeIdx);
     Triangle2* triangulateCoplanarOrDuplicate(Point2* q, Triangle2* pT, int result);
@@ -181,7 +182,9 @@ private:
     SimplePool<Triangle2> trianglePool;
     SimplePool<Point2> vertexPool;
     VertexVault vertexVault;
-    Bbox2 bbox; // of all points ever inserted, doubled on growth; wired to quorTest
+    Bbox2 bbox;                      // of all points ever inserted, doubled on growth; wired to quorTest
+    Bbox2 extent;                    // the same, not doubled
+    Triangle2* pLastFound = nullptr; // by the last search; may be dead or far off by now
     std::vector<Triangle2*> vDeadTriangles; // cleared, ready for reuse; all others of the pool are in use
     std::mutex mtxFreshTriangles;           // guards the pool in createTriangles
     std::string name;

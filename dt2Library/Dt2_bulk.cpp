@@ -98,8 +98,10 @@ bool Dt2::extendBox(const std::vector<Point2>& v, bool& bGrown) {
         if (!(task.zero == 0.0)) return false;
     }
     for (const ExtentTask& task : vTasks) {
-        bGrown |= bbox.add(Point2(task.minX, task.minY, 0.0));
-        bGrown |= bbox.add(Point2(task.maxX, task.maxY, 0.0));
+        for (const Point2& corner : {Point2(task.minX, task.minY, 0.0), Point2(task.maxX, task.maxY, 0.0)}) {
+            extent.add(corner);
+            bGrown |= bbox.add(corner);
+        }
     }
     return true;
 }
@@ -135,6 +137,7 @@ void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandl
         insertVector(v, &vHandles);
     } else {
         KELM_CHECK(vertexVault.dupIsClean());
+        extent.add(static_cast<unsigned>(numPoints), aCoordinates);
         if (bbox.add(static_cast<unsigned>(numPoints), aCoordinates)) followBoxGrowth();
         insertBulk("insert", n, &vHandles, [&](std::size_t& firstIdx) {
             vertexVault.addVertices(numPoints, aCoordinates, &vHandles, firstIdx);
@@ -155,7 +158,7 @@ void Dt2::insertBulk(const char* label, std::size_t numPoints, std::vector<Point
     if (is2D()) {
         VertexVault::EntryIterator first, last;
         vertexVault.getRange(firstIdx, first, last);
-        insertRange(first, last, vertexVault.getCloT(first->hcKey));
+        insertRange(first, last, vertexVault.getCloT(first->hcKey, *first->pVtx));
     } else {
         startTriangulation(firstIdx);
     }
@@ -236,7 +239,7 @@ bool Dt2::createFakeBox() {
     if (is2D()) {
         for (std::size_t i = 0; i < 4; ++i) {
             Point2* pCorner = vertexVault.getFakeCorner(i);
-            insertVertex(pCorner, vertexVault.getCloT(hilbert.getIdx(*pCorner)));
+            insertVertex(pCorner, findStart(*pCorner));
         }
         return true;
     }

@@ -147,7 +147,7 @@ private:
 
     /// Finds the hull edge by which a segment from outside enters; false if it misses the hull.
     bool startOutside() {
-        Triangle2* pT = dt.vertexVault.getCloT(dt.hilbert.getIdx(s));
+        Triangle2* pT = dt.findStart(s);
         int edgeIdx = -1;
         const int hullIdx = dt.locateFrom(&s, pT, edgeIdx);
         dt.collectVisibleHull(&s, Edge2(pT, hullIdx));

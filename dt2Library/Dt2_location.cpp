@@ -10,8 +10,40 @@
 #include "messages.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr double cellShare = 1.0 / 16384; // of a cell of the curve, in the extent of the points
+constexpr double walkReach = 12.0;        // in heights of a triangle: so far a walk is cheaper than a search
+
+/// Compares with the least height, since steps across slivers bring a walk forward by next to nothing.
+bool isWithinReach(const Triangle2& t, const Point2& q) noexcept {
+    const Point2 &a = *t.getCorner(0), &b = *t.getCorner(1), &c = *t.getCorner(2);
+    const double abX = b.x() - a.x(), abY = b.y() - a.y(), acX = c.x() - a.x(), acY = c.y() - a.y();
+    const double longest = std::max({std::fabs(abX), std::fabs(abY), std::fabs(acX), std::fabs(acY)});
+    const double distance = std::fabs(q.x() - a.x()) + std::fabs(q.y() - a.y());
+    return distance * longest < walkReach * (abX * acY - abY * acX);
+}
+
+} // namespace
+
+// --- location ---------------------------------------------------------------------------------------------
+
+/// Where the walk to q starts. Queries often come along a line or a curve: then at the triangle found last.
+Triangle2* Dt2::findStart(const Point2& q) const {
+    const bool bAlive = pLastFound != nullptr && pLastFound->getCorner(0) != nullptr;
+    if (bAlive && isWithinReach(*pLastFound, q)) return pLastFound;
+    // The curve leaves the box of the points and comes back elsewhere: from outside, and from the outermost
+    // cells, it leads astray.
+    const double rimX = cellShare * extent.get_maxX() - cellShare * extent.get_minX(),
+                 rimY = cellShare * extent.get_maxY() - cellShare * extent.get_minY();
+    const Point2 inside(std::clamp(q.x(), extent.get_minX() + rimX, extent.get_maxX() - rimX),
+                        std::clamp(q.y(), extent.get_minY() + rimY, extent.get_maxY() - rimY), 0.0);
+    return vertexVault.getCloT(hilbert.getIdx(inside), inside);
+}
 
 // --- insertion --------------------------------------------------------------------------------------------
 

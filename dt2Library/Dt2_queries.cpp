@@ -43,9 +43,10 @@ bool isSteep(const Triangle2& t) noexcept {
 Triangle2* Dt2::locate(const Point2& p) {
     if (!is2D() || !std::isfinite(p.x()) || !std::isfinite(p.y())) return nullptr;
     if (p.getMaxAbs() > quorTest.getRange()) quorTest.setRange(p.getMaxAbs());
-    Triangle2* pT = vertexVault.getCloT(hilbert.getIdx(p));
+    Triangle2* pT = inserter.approach(p, findStart(p));
     int edgeIdx = -1;
     const int result = locateFrom(&p, pT, edgeIdx);
+    pLastFound = pT;
     if (result < 0 || result == 4) return pT;
     return quorTest.getEdgeOrientation(pT, result, &p) == ORIENTATION2_CW ? nullptr : pT;
 }
@@ -179,7 +180,7 @@ double Dt2::heightInTriangle(const Triangle2& t, double x, double y) {
 
 /// The height of the hull's border at the place next to a point outside, if that is within the tolerance.
 bool Dt2::getHeightNearHull(const Point2& query, double& height, double tolerance) {
-    Triangle2* pCurTriangle = vertexVault.getCloT(hilbert.getIdx(query));
+    Triangle2* pCurTriangle = findStart(query);
     KELM_CHECK(pCurTriangle!=0);
     int edgeIdx = -1;
     const int intState = locateFrom(&query, pCurTriangle, edgeIdx);

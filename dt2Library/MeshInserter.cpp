@@ -4,6 +4,7 @@
 #include "MeshInserter.h"
 
 #include "messages.h"
+#include "prefetch.h"
 
 #include <cstdint>
 
@@ -97,6 +98,45 @@ int MeshInserter::locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, cons
         aOrder[2] = position == 1 ? incIndexBy1(j) : incIndexBy2(j);
         position = 1;
     }
+}
+
+Triangle2* MeshInserter::approach(const Point2& q, Triangle2* pT) const noexcept {
+    struct Offset {
+        double x, y; // from q
+    };
+    const auto offsetOf = [&](const Point2* p) { return Offset{p->x() - q.x(), p->y() - q.y()}; };
+    const auto side = [](const Offset& from, const Offset& to) { return to.y * from.x - from.y * to.x; };
+    const double surelyBeyond = quorTest.getErrNeg();
+
+    // The edge that q is farthest beyond, as seen by the areas.
+    int crossed = 0;
+    Offset aCorner[3] = {offsetOf(pT->getCorner(0)), offsetOf(pT->getCorner(1)), offsetOf(pT->getCorner(2))};
+    double area = 0.0;
+    for (int i = 0; i < 3; ++i) {
+        const double areaBeyond = side(aCorner[incIndexBy1(i)], aCorner[incIndexBy2(i)]);
+        if (areaBeyond < area) {
+            area = areaBeyond;
+            crossed = i;
+        }
+    }
+    Offset from = aCorner[incIndexBy1(crossed)], to = aCorner[incIndexBy2(crossed)]; // of the edge crossed
+    for (int numSteps = 0; area < surelyBeyond && numSteps < maxOrderlySteps; ++numSteps) {
+        Triangle2* pN = pT->getOppositeTriangle(crossed);
+        if (pN == nullptr) break;
+        const int j = pN->getIntraTriangleIndex(pT);
+        prefetch(pN->getOppositeTriangle(incIndexBy1(j))); // whichever of the two is next
+        prefetch(pN->getOppositeTriangle(incIndexBy2(j)));
+        const Offset apex = offsetOf(pN->getCorner(j));
+        const double areaNext = side(from, apex), areaPrev = side(apex, to);
+        const bool bNext = areaNext < areaPrev;
+        area = bNext ? areaNext : areaPrev;
+        crossed = bNext ? incIndexBy1(j) : incIndexBy2(j);
+        // Seen from pN the crossed edge runs the other way round: from its end to its start.
+        to = bNext ? apex : to;
+        from = bNext ? from : apex;
+        pT = pN;
+    }
+    return pT;
 }
 
 Triangle2* MeshInserter::splitTriangle(Triangle2* pT, Point2* q, Triangle2* pT1, Triangle2* pT2) {

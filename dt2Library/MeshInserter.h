@@ -36,6 +36,11 @@ public:
     /// which is not null.
     int locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, const Bbox2* pLimit = nullptr);
 
+    /// Walks from pT towards q as far as the static filter leads, mostly to the triangle that holds q: a
+    /// start for locateFrom, which settles the rest. Makes fewer steps, and each with one branch only: pays
+    /// where the mesh is in the cache or the way is long.
+    Triangle2* approach(const Point2& q, Triangle2* pT) const noexcept;
+
     /// Splits pT at q, which lies inside, into three: pT and two fresh triangles. The result has q.
     Triangle2* splitTriangle(Triangle2* pT, Point2* q, Triangle2* pT1, Triangle2* pT2);
     /// Splits inner edge edgeIdx of pT at q, which lies on it: two triangles become four. The result has q.

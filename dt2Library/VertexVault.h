@@ -54,8 +54,9 @@ public:
 
     // --- searching ----------------------------------------------------------------------------------------
 
-    /// A triangle close to the key; never null. Only when full-dimensional.
-    Triangle2* getCloT(std::uint32_t key) const;
+    /// A triangle close to the key, and where there is a choice close to q; never null. Only when
+    /// full-dimensional.
+    Triangle2* getCloT(std::uint32_t key, const Point2& q) const;
     /// Position of the active entry of that vertex; 2147483647 and an error line if there is none.
     std::size_t getIdxOfActiveVtx(const Point2* pQuery) const;
     /// The active vertex with equal x and y, or null.

@@ -52,14 +52,14 @@ TEST(VertexVault, SearchesPassOverVerticesWithoutTriangleAndFindAllOthers) {
     own.vault.setFullDimensional(true);
     const ScratchDirectory directory; // for the log
     CoutCapture capture;
-    EXPECT_THROW(own.vault.getCloT(0), KelmException);
+    EXPECT_THROW(own.vault.getCloT(0, Point2()), KelmException);
     EXPECT_NE(std::string::npos, capture.take().find("Vault, ERROR: getCloT() failed"));
     for (int first : {2400, 700}) { // in the unsorted part, then in the sorted one
         Point2** v = &own.vVertices[first];
         Triangle2 t;
         t.setProperties(v[0], v[1], v[2]);
         for (std::uint32_t key : {0U, 1U << 29, (1U << 30) - 1})
-            EXPECT_EQ(&t, own.vault.getCloT(key));
+            EXPECT_EQ(&t, own.vault.getCloT(key, Point2()));
         for (Point2* pVtx : {v[0], v[1], v[2]}) {
             EXPECT_NE(2147483647U, own.vault.getIdxOfActiveVtx(pVtx));
             own.vault.deactivate(pVtx);
