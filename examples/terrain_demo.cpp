@@ -1,9 +1,12 @@
-// Triangulates a terrain file and says what came out: size, hull, areas, time; writes the mesh as OBJ.
+// Triangulates a terrain file, asks the mesh for its hull and for heights along a line, checks it, and leaves
+// a mesh, a map and a scene for the browser behind.
 // Usage: terrain_demo POINTS.xyz OUTPUT_FOLDER
 
 #include <kelm25d/kelm25d.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -12,24 +15,84 @@ using namespace QUOR_KELM25D;
 
 namespace {
 
-struct Summary {
-    unsigned numHullEdges = 0;
-    double planArea = 0.0;
-    double surfaceArea = 0.0;
-};
-
-Summary summarize(const Kelm_2D& dt) {
+void printSummary(const Kelm_2D& dt, double seconds) {
     std::vector<Triangle2*> vTriangles;
     dt.getTrianglePointers(vTriangles);
-    Summary summary;
+    double planArea = 0.0, surfaceArea = 0.0;
     for (const Triangle2* pT : vTriangles) {
-        summary.planArea += pT->getArea2D();
-        summary.surfaceArea += pT->getArea25D();
-        for (int i = 0; i < 3; ++i) {
-            if (pT->getOppositeTriangle(i) == nullptr) ++summary.numHullEdges;
-        }
+        planArea += pT->getArea2D();
+        surfaceArea += pT->getArea25D();
     }
-    return summary;
+    std::printf("vertices      %12u\n", dt.numberOfPoints());
+    std::printf("triangles     %12zu\n", vTriangles.size());
+    std::printf("plan area     %12.3f km2\n", planArea / 1e6);
+    std::printf("surface area  %12.3f km2\n", surfaceArea / 1e6);
+    std::printf("time          %12.4f s\n", seconds);
+    std::printf("speed         %12.0f points per second\n", dt.numberOfPoints() / seconds);
+}
+
+std::vector<Segment2> hullOf(Kelm_2D& dt) {
+    std::vector<Point2*> vCorners, vAll;
+    dt.getConvexHull(false, vCorners);
+    dt.getConvexHull(true, vAll);
+    std::vector<Segment2> vHull;
+    for (std::size_t i = 0; i < vCorners.size(); ++i) {
+        vHull.emplace_back(*vCorners[i], *vCorners[(i + 1) % vCorners.size()]);
+    }
+    std::printf("convex hull   %12zu corners, %zu vertices on it\n", vCorners.size(), vAll.size());
+    return vHull;
+}
+
+/// A line from corner to corner of the box, laid over the terrain; a table of some heights along it.
+std::vector<Segment2> profileOf(Kelm_2D& dt) {
+    const Bbox2 box = dt.computeBoundingBox();
+    std::vector<Segment2> vLine = {Segment2(box.getMinPoint(), box.getMaxPoint())}, vExact, vThin;
+    dt.drape(vLine, vExact, -1.0);
+    dt.drape(vLine, vThin, 2.0);
+    std::printf("\nThe diagonal laid over the terrain: %zu pieces, %zu within 2 m of the height\n",
+                vExact.size(), vThin.size());
+    std::printf("%12s %12s %10s\n", "x", "y", "height");
+    constexpr int numRows = 8;
+    for (int i = 0; i <= numRows; ++i) {
+        const double share = static_cast<double>(i) / numRows;
+        const double x = box.get_minX() + share * box.getRangeX(),
+                     y = box.get_minY() + share * box.getRangeY();
+        double height = 0.0;
+        if (dt.getHeight(x, y, height)) std::printf("%12.2f %12.2f %10.3f\n", x, y, height);
+    }
+    return vExact;
+}
+
+/// From green in the valleys over brown to white, lit from the north-west.
+Color shade(const Triangle2& t, double minZ, double maxZ) {
+    const Vector2 u = *t.getCorner(1) - *t.getCorner(0), v = *t.getCorner(2) - *t.getCorner(0);
+    const double nx = u.y() * v.z() - u.z() * v.y(), ny = u.z() * v.x() - u.x() * v.z(),
+                 nz = u.x() * v.y() - u.y() * v.x();
+    const double light = std::max(0.0, (-nx + ny + 1.2 * nz) / std::sqrt(nx * nx + ny * ny + nz * nz) / 1.85);
+    const double height = (t.getCorner(0)->z() - minZ) / std::max(1.0, maxZ - minZ);
+    const auto step = [](double value) { return std::round(20.0 * std::min(1.0, value)) / 20.0; };
+    const double brightness = 0.25 + 0.75 * light;
+    return Color(step(brightness * (0.45 + 0.55 * height)), step(brightness * (0.68 + 0.27 * height)),
+                 step(brightness * (0.40 + 0.50 * height)), 1.0, false);
+}
+
+void drawMap(Kelm_2D& dt, const std::vector<Segment2>& vHull, const std::vector<Segment2>& vProfile,
+             const std::string& filename) {
+    std::vector<Triangle2*> vTriangles;
+    dt.getTrianglePointers(vTriangles);
+    double minZ = vTriangles.front()->getCorner(0)->z(), maxZ = minZ;
+    for (const Triangle2* pT : vTriangles) {
+        minZ = std::min(minZ, pT->getCorner(0)->z());
+        maxZ = std::max(maxZ, pT->getCorner(0)->z());
+    }
+    Visualizer2 map(filename);
+    map.addHeaderLine("Terrain with its convex hull and a draped diagonal");
+    for (const Triangle2* pT : vTriangles) {
+        map.addObject(*pT, shade(*pT, minZ, maxZ));
+    }
+    map.addObject(vHull, Color(CBLUE, 1.5F, false));
+    map.addObject(vProfile, Color(CRED, 1.0F, false));
+    map.writeFile();
 }
 
 } // namespace
@@ -52,18 +115,19 @@ int main(int argc, char** argv) {
         return 1;
     }
 
-    const Summary summary = summarize(dt);
-    std::printf("vertices      %12u\n", dt.numberOfPoints());
-    std::printf("triangles     %12u\n", dt.numberOfTriangles());
-    std::printf("hull edges    %12u\n", summary.numHullEdges);
-    std::printf("plan area     %12.3f km2\n", summary.planArea / 1e6);
-    std::printf("surface area  %12.3f km2\n", summary.surfaceArea / 1e6);
-    std::printf("time          %12.4f s\n", elapsed.count());
-    std::printf("speed         %12.0f points per second\n",
-                static_cast<double>(vPoints.size()) / elapsed.count());
+    printSummary(dt, elapsed.count());
+    const std::vector<Segment2> vHull = hullOf(dt);
+    const std::vector<Segment2> vProfile = profileOf(dt);
+    const bool bValid = dt.checkValidity(true, "terrain_demo");
+    std::printf("\nThe mesh is %s: links and empty circles checked.\n\n", bValid ? "valid" : "BROKEN");
 
-    const std::string objFile = std::string(argv[2]) + "/terrain.obj";
-    dt.writeObj(objFile);
-    std::printf("\nOpen %s in a mesh viewer to see the terrain.\n", objFile.c_str());
-    return 0;
+    const std::string folder = argv[2];
+    dt.writeObj(folder + "/terrain.obj");
+    drawMap(dt, vHull, vProfile, folder + "/terrain_map.ps");
+    dt.writeWebScene((folder + "/web").c_str());
+    std::printf("\nOpen %s/terrain.obj in a mesh viewer to see the terrain,\n", argv[2]);
+    std::printf("     %s/terrain_map.ps in a PostScript viewer for the map,\n", argv[2]);
+    std::printf("     and http://localhost:8000 in a browser, after\n");
+    std::printf("     python3 -m http.server --directory %s/web\n", argv[2]);
+    return bValid ? 0 : 1;
 }

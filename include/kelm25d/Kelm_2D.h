@@ -100,26 +100,23 @@ public:
     void getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull);
 
     /// The height of the surface at (x, y), exactly the vertex's z at a vertex and between the heights of the
-    /// corners elsewhere.
-    /// @param height is written only with the result true
-    /// @param pApproxT the triangle whose plane is asked, if the caller knows it; null means search
-    /// @param tolerance outside the hull, the height of the hull's border is taken at the nearest place, if
-    /// that is not farther than this
+    /// corners elsewhere. It is written only with the result true. pApproxT is the triangle whose plane is
+    /// asked, if the caller knows it; null means search. Outside the hull, the height of the hull's border at
+    /// the nearest place is taken, if that is not farther than tolerance.
     /// @return false outside the hull (and tolerance), before is2D(), and for coordinates that are not finite
     bool getHeight(double x, double y, double& height, Triangle2* pApproxT = nullptr, double tolerance = 0.0);
 
     /// Lays segments over the surface: each is cut wherever it crosses an edge or runs through a vertex, and
-    /// the pieces are appended with the heights of the surface. Heights of the input are ignored.
-    /// @param zTolerance if not negative, neighbouring pieces of a segment are joined as long as no height
-    /// changes by more than this; the line in the plane stays
+    /// the pieces are appended with the heights of the surface. Heights of the input are ignored. With a
+    /// zTolerance that is not negative, neighbouring pieces of a segment are joined as long as no height
+    /// changes by more than that; the line in the plane stays.
     /// @return false if a segment was outside the hull, wholly or in part; what lies over the hull is
     /// appended
     bool drape(std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, double zTolerance);
 
     /// Checks the links between triangles, and on demand that no vertex next to a triangle lies inside its
-    /// circumcircle, and reports what is wrong on standard output; violated circles are drawn to files as
-    /// well.
-    /// @param msg tells the calls apart in the report
+    /// circumcircle, and reports what is wrong on standard output, where msg tells the calls apart; violated
+    /// circles are drawn to files as well.
     /// @return true if nothing was found, also before is2D()
     bool checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg);
 
