@@ -41,7 +41,10 @@ function(kelm25d_fetch_viewer failure)
         set(${failure} "npm pack failed (${result}): ${error}" PARENT_SCOPE)
         return()
     endif()
-    file(ARCHIVE_EXTRACT INPUT "${tarball}" DESTINATION "${kelm25d_viewer_dir}" PATTERNS package/lib/lib/jsc3d.js)
+    execute_process( # unlike file(ARCHIVE_EXTRACT) this does not stop at a damaged archive
+        COMMAND "${CMAKE_COMMAND}" -E tar xzf "${tarball}" package/lib/lib/jsc3d.js
+        WORKING_DIRECTORY "${kelm25d_viewer_dir}"
+        OUTPUT_QUIET ERROR_QUIET)
     kelm25d_check_viewer(bValid)
     if(NOT bValid)
         set(${failure} "lib/lib/jsc3d.js of react-jsc3d 0.1.7 does not have the recorded SHA-256" PARENT_SCOPE)

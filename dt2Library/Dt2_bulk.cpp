@@ -86,6 +86,7 @@ bool Dt2::extendBox(const std::vector<Point2>& v, bool& bGrown) {
         vTasks.push_back(
             {p, p + std::min<std::ptrdiff_t>(static_cast<std::ptrdiff_t>(share), pEnd - p), 0, 0, 0, 0, 0});
     }
+    vTaskPointers.reserve(vTasks.size());
     for (ExtentTask& task : vTasks) {
         vTaskPointers.push_back(&task);
     }

@@ -44,6 +44,10 @@ void Dt2::showGeomview(Visualizer3* pVisualizer) const {
 }
 
 void Dt2::writeWebScene(const char* path) const {
+    if (path == nullptr) {
+        printWarning("Dt2::writeWebScene()", "no path given");
+        return;
+    }
     if (!createDirectory(path)) {
         printWarning("Dt2::writeWebScene()", std::string("Can't create directory ") + path);
         return;

@@ -6,6 +6,7 @@
 #include "messages.h"
 
 #include <charconv>
+#include <cmath>
 #include <fstream>
 #include <unordered_map>
 
@@ -41,11 +42,14 @@ void Dt2::writeObj(const std::string& filename) const {
 
     std::unordered_map<const Point2*, std::size_t> mNumber;
     mNumber.reserve(vertexVault.numberOfPoints());
+    std::size_t numNotFinite = 0;
     for (const Triangle2* pT : vTriangles) {
         for (const Point2* pCorner : pT->aCorner) {
             if (!mNumber.emplace(pCorner, mNumber.size() + 1).second) continue;
             text += 'v';
-            for (double coordinate : {pCorner->x(), pCorner->y(), pCorner->z()}) {
+            const bool bFinite = std::isfinite(pCorner->z()); // x and y always are
+            if (!bFinite) ++numNotFinite;
+            for (double coordinate : {pCorner->x(), pCorner->y(), bFinite ? pCorner->z() : 0.0}) {
                 text += ' ';
                 append(text, coordinate);
             }
@@ -63,6 +67,10 @@ void Dt2::writeObj(const std::string& filename) const {
         flush(flushSize);
     }
     flush(0);
+    if (numNotFinite > 0) {
+        printWarning("Dt2::writeObj()",
+                     std::to_string(numNotFinite) + " heights are not finite, 0 is written for each");
+    }
 }
 
 } // namespace QUOR_KELM25D

@@ -165,7 +165,8 @@ void Triangle2::getCC_strategy2(int ici, double ox, double oy, Point2& cc) const
     const Point2 middle((end.x() + otherEnd.x()) * 0.5, (end.y() + otherEnd.y()) * 0.5,
                         (end.z() + otherEnd.z()) * 0.5);
     const Vector2 edge = end - otherEnd;
-    if (!std::isfinite(edge.x()) || !std::isfinite(edge.y())) return; // beyond doubles: cc is found inaccurate
+    if (!std::isfinite(edge.x()) || !std::isfinite(edge.y()))
+        return; // beyond doubles: cc is found inaccurate
     const Vector2 outward = edge.orthogonalVector();
 
     // Seen from the middle of the longest edge, the centre of an acute triangle lies on the apex's side and

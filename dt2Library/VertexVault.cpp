@@ -85,6 +85,7 @@ void runAll(std::vector<T>& vTasks, int numCPU) {
         return;
     }
     std::vector<T*> vTaskPointers;
+    vTaskPointers.reserve(vTasks.size());
     for (T& task : vTasks) {
         vTaskPointers.push_back(&task);
     }

@@ -128,6 +128,7 @@ Visualizer2::Visualizer2(const std::string& filename_)
 
 Visualizer2::~Visualizer2() {
     if (bFileClosed) return;
+    exceptions(std::ios::goodbit); // the owner may have asked for exceptions; none may leave from here
     std::cout << "Calling Visualizer2::writeFile() to complete an unfinished visualization [" << filename
               << "]" << std::endl;
     writeFile();
@@ -156,6 +157,8 @@ void Visualizer2::addObject(const Segment2& segment, const Color& color) {
 void Visualizer2::addObject(const Edge2& edge, const Color& color) {
     KELM_CHECK(!bFileClosed);
     KELM_CHECK(edge.getTriangle() != nullptr);
+    KELM_CHECK(edge.getIndex() >= 0 && edge.getIndex() < 3);
+    KELM_CHECK(edge.getSrc() != nullptr && edge.getTrg() != nullptr);
     vSegments.emplace_back(Segment2(*edge.getSrc(), *edge.getTrg()), color);
 }
 

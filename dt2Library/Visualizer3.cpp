@@ -5,8 +5,10 @@
 #include "messages.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <iostream>
+#include <locale>
 
 namespace QUOR_KELM25D {
 
@@ -17,12 +19,11 @@ constexpr unsigned lineWidth = 1;
 constexpr unsigned endPointSize = 5;
 const char* const normalColor = "0 0 1 1";
 
-/// Gathers text for a stream; what is left in it is written by the destructor. Numbers look as a stream with
-/// precision 15 and the C locale writes them.
+/// Gathers text for a stream, until finish. Numbers look as a stream with precision 15 and the C locale
+/// writes them; no viewer reads one that is not finite, so it becomes 0.
 class Text {
 public:
     explicit Text(std::ostream& stream_) noexcept : stream(stream_) {}
-    ~Text() { flush(); }
     Text(const Text&) = delete;
     Text& operator=(const Text&) = delete;
 
@@ -30,6 +31,10 @@ public:
     Text& operator<<(const std::string& text) { return append(text.data(), text.size()); }
     Text& operator<<(double number) {
         makeRoom();
+        if (!std::isfinite(number)) {
+            ++numNotFinite;
+            number = 0.0;
+        }
         length = static_cast<std::size_t>(
             std::to_chars(end(), aText + sizeof aText, number, std::chars_format::general, numDigits).ptr -
             aText);
@@ -42,6 +47,13 @@ public:
     }
     Text& operator<<(const Point2& point) {
         return *this << point.x() << " " << point.y() << " " << point.z() << "\n";
+    }
+    void finish() {
+        flush();
+        if (numNotFinite > 0) {
+            printWarning("Visualizer3",
+                         std::to_string(numNotFinite) + " numbers are not finite, 0 is written for each");
+        }
     }
 
 private:
@@ -67,6 +79,7 @@ private:
     static constexpr std::size_t maxNumberLength = 32;
     std::ostream& stream;
     std::size_t length = 0;
+    std::size_t numNotFinite = 0;
     char aText[4096];
 };
 
@@ -107,6 +120,7 @@ void writeMesh(std::ostream& stream, std::size_t numTriangles, const std::string
     for (std::size_t i = 0; i < numTriangles; ++i)
         text << "3 " << 3 * i << " " << 3 * i + 1 << " " << 3 * i + 2 << " " << color << "\n";
     text << "}\n";
+    text.finish();
 }
 
 /// getPoint(i) is point i; there is at least one.
@@ -118,6 +132,7 @@ void writeDots(std::ostream& stream, std::size_t numPoints, unsigned size, const
     for (std::size_t i = 0; i < numPoints; ++i)
         text << getPoint(i);
     text << color << "\n}\n";
+    text.finish();
 }
 
 /// getLine(i) is line i.
@@ -125,15 +140,14 @@ template <class GetLine>
 void writeLines(std::ostream& stream, std::size_t numLines, const std::string& color, bool bWithEndPoints,
                 const GetLine& getLine) {
     if (numLines == 0) return;
-    {
-        Text text(stream);
-        writeVectHead(text, lineWidth, numLines, 2);
-        for (std::size_t i = 0; i < numLines; ++i) {
-            const Line line = getLine(i);
-            text << line.source << line.target;
-        }
-        text << color << "\n}\n";
+    Text text(stream);
+    writeVectHead(text, lineWidth, numLines, 2);
+    for (std::size_t i = 0; i < numLines; ++i) {
+        const Line line = getLine(i);
+        text << line.source << line.target;
     }
+    text << color << "\n}\n";
+    text.finish();
     if (bWithEndPoints) {
         writeDots(stream, 2 * numLines, endPointSize, color,
                   [&](std::size_t i) { return i % 2 == 0 ? getLine(i / 2).source : getLine(i / 2).target; });
@@ -165,12 +179,14 @@ bool checkMultiple(const char* where, std::size_t size, std::size_t divisor, int
 
 Visualizer3::Visualizer3(const std::string& filename) {
     std::cout << "Visualizer3: Writing " << filename << std::endl;
+    imbue(std::locale::classic());
     openFile(filename);
     precision(numDigits);
     *this << "LIST\n{\n";
 }
 
 Visualizer3::~Visualizer3() {
+    exceptions(std::ios::goodbit); // the owner may have asked for exceptions; none may leave from here
     closeFile();
 }
 
@@ -187,8 +203,10 @@ void Visualizer3::closeFile() {
 }
 
 void Visualizer3::writeBall(const Point2& center, double radius) {
-    Text(*this) << "{appearance { +transparent material {alpha 0.6 diffuse 0.2 0.4 0 } } {SPHERE " << radius
-                << " " << center.x() << " " << center.y() << " " << center.z() << "}}\n";
+    Text text(*this);
+    text << "{appearance { +transparent material {alpha 0.6 diffuse 0.2 0.4 0 } } {SPHERE " << radius << " "
+         << center.x() << " " << center.y() << " " << center.z() << "}}\n";
+    text.finish();
 }
 
 void Visualizer3::writePoint(const Point2& point, unsigned pointSize, const std::string& color) {
@@ -287,6 +305,7 @@ void Visualizer3::writeCubes(const std::vector<Point2>& vPoints, const std::stri
         }
     }
     text << "}\n";
+    text.finish();
 }
 
 void Visualizer3::writeNormals(const std::vector<Triangle2*>& vT, double scale) {

@@ -18,6 +18,7 @@ std::string getParent(const std::string& path) {
 } // namespace
 
 bool createDirectory(const char* path) {
+    if (path == nullptr) return false;
     std::error_code error;
     if (std::filesystem::create_directory(path, error)) return true;
     if (error == std::errc::no_such_file_or_directory) {

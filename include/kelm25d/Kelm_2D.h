@@ -27,8 +27,8 @@ class Visualizer3;
 /// are no triangles: the points wait, and is2D() is false. Points with the x and y of a vertex are
 /// duplicates: the vertex that is there stays, with its height. Points that wait when a bulk insertion with
 /// several threads comes go on waiting, and are not compared with its points, until the triangulation starts
-/// anew; insert them with one thread, or in bulk, if that matters. Where four or more points lie on one circle
-/// the triangulation is not unique, and any of the Delaunay ones may result.
+/// anew; insert them with one thread, or in bulk, if that matters. Where four or more points lie on one
+/// circle the triangulation is not unique, and any of the Delaunay ones may result.
 ///
 /// Vertices and triangles belong to the triangulation. Their pointers stay valid until it is destroyed; a
 /// triangle may come to stand for other corners whenever points are inserted.
@@ -174,8 +174,9 @@ public:
     void unsubscribe(MsgType msgType, MsgBase* pReceiver);
 
     /// Writes all triangles as a Wavefront OBJ mesh, replacing the file: each vertex once, numbers from 1,
-    /// corners counterclockwise as seen from above. Coordinates read back as the same doubles. Before is2D()
-    /// an error line is printed and no file is written; a file that can't be opened is not reported.
+    /// corners counterclockwise as seen from above. Coordinates read back as the same doubles; for a height
+    /// that is not finite 0 is written, and a warning tells how many there were. Before is2D() an error line
+    /// is printed and no file is written; a file that can't be opened is not reported.
     void writeObj(const std::string& filename) const;
 
     /// Draws all edges to an A4 PostScript file, replacing it. With bWithConstraints constraint edges are
@@ -183,7 +184,9 @@ public:
     /// empty.
     void show(const std::string& postscriptFilename, bool bWithConstraints) const;
 
-    /// Adds the edges to a drawing, which stays the caller's and is not written yet.
+    /// Adds the edges to a drawing, which stays the caller's and is not written yet. Null gives a warning,
+    /// before is2D() an error line is printed, and nothing is added. A page that has been written fails a
+    /// check and throws KelmException.
     void show(Visualizer2* pVisualizer, bool bWithConstraints) const;
 
     /// Writes all triangles as a Geomview file, replacing it, in one colour: four numbers from 0 to 1 as
@@ -197,7 +200,8 @@ public:
 
     /// Writes a directory that shows the triangles in a browser: index.html, the scripts of the viewer, and
     /// the mesh 3d.obj as by writeObj. Missing directories are made, files of these names replaced. A
-    /// directory that can't be made gives a warning and nothing is written; a viewer that this build does not
+    /// directory that can't be made, and null, give a warning and nothing is written; before is2D() there is
+    /// an error line instead of the mesh; a viewer that this build does not
     /// hold gives an error line, and page and mesh are written. Browsers read no mesh from a file address:
     /// serve the directory, for example by `python3 -m http.server` in it.
     void writeWebScene(const char* path) const;

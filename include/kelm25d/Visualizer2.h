@@ -28,8 +28,8 @@ namespace QUOR_KELM25D {
 /// ranges of the coordinates and the header lines. Objects without extent go to the middle of the square.
 ///
 /// Objects are copied when they are added: what they came from may change or die before the file is written.
-/// An object with a coordinate that is unset, infinite or not a number, or beyond 1e300, is left out of the
-/// picture, and a warning line tells how many were.
+/// An object with a coordinate or a radius that is unset, infinite or not a number, or beyond 1e300, is left
+/// out of the picture, and a warning line tells how many were.
 ///
 /// The object is the open file itself. A file that can't be opened is told by the state of the stream alone:
 /// everything then goes without effect. One object is for one thread at a time.
@@ -45,7 +45,8 @@ public:
     Visualizer2& operator=(const Visualizer2&) = delete;
 
     /// Adds a line to the header, at most 10 of them; a further one is refused with a warning line. Of each
-    /// the first 120 characters are shown; the longest line decides the size of the font. Throws
+    /// the first 120 characters are shown; the longest line decides the size of the font, so that a few short
+    /// ones become large. Throws
     /// KelmException after writeFile.
     void addHeaderLine(const std::string& line);
 
@@ -55,7 +56,8 @@ public:
     void addObject(const Point2& point, const Color& color);
     /// Adds a segment. If color.bFill is set its ends are marked by crosses, each place once a colour.
     void addObject(const Segment2& segment, const Color& color);
-    /// Adds the segment between the ends of an edge. Null as its triangle fails a check and throws.
+    /// Adds the segment between the ends of an edge. Null as its triangle or as a corner of it, or an index
+    /// that is not 0, 1 or 2, fails a check and throws.
     void addObject(const Edge2& edge, const Color& color);
     /// Adds a triangle, filled and with a gray outline if color.bFill is set. The corners are copied; a null
     /// corner fails a check and throws.
@@ -68,7 +70,7 @@ public:
 
     /// Adds each element, in order; an empty sequence adds nothing.
     void addObject(const std::vector<Point2>& vPoints_, const Color& color);
-    /// Adds each element, in order. A null pointer fails a check and throws.
+    /// Adds each element, in order. A null pointer fails a check and throws; those before it are added then.
     void addObject(const std::vector<Point2*>& vPointers, const Color& color);
     /// Adds each element, in order; an empty sequence adds nothing.
     void addObject(const std::vector<Segment2>& vSegments_, const Color& color);
@@ -76,10 +78,10 @@ public:
     void addObject(const std::vector<Edge2>& vEdges, const Color& color);
     /// Adds each element, in order; an empty sequence adds nothing.
     void addObject(const std::vector<Triangle2>& vTriangles_, const Color& color);
-    /// Adds each element, in order. A null pointer fails a check and throws.
+    /// Adds each element, in order. A null pointer fails a check and throws; those before it are added then.
     void addObject(const std::vector<Triangle2*>& vPointers, const Color& color);
 
-    /// Draws everything and closes the file. Without objects the page has a header and an empty square. A
+    /// Draws everything and closes the file. Without objects the page has a header and nothing else. A
     /// second call prints a warning line and does nothing. Linear, apart from the sorting of end marks.
     void writeFile();
 

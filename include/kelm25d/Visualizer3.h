@@ -19,13 +19,15 @@ namespace QUOR_KELM25D {
 /// A Geomview file that is being written: one LIST, to which every write operation adds an object.
 ///
 /// Coordinates are the caller's own, in space, and have 15 significant digits in the file whatever the
-/// stream's format and locale are. A colour is a text of four numbers from 0 to 1, red, green, blue and
-/// alpha, separated by blanks, for example "0 1 1 1"; it is written as it is. The arguments are only
-/// borrowed, and pointers in them are never null. An empty sequence adds nothing. Everything is linear in the
-/// size of its argument.
+/// stream's format and locale are; for one that is not finite 0 is written, and a warning tells how many
+/// there were. A colour is a text of four numbers from 0 to 1, red, green, blue and alpha, separated by
+/// blanks, for example "0 1 1 1"; it is written as it is. The arguments are only borrowed, and pointers in
+/// them, and to the corners of triangles, are never null. An empty sequence adds nothing. Everything is
+/// linear in the size of its argument.
 ///
 /// A file that can't be opened is reported once, and writing to it has no effect. Nothing throws, short of
-/// running out of memory. The object is a stream, so own Geomview text may be put between the objects.
+/// running out of memory, unless the stream is told to by exceptions(). The object is a stream, so own
+/// Geomview text may be put between the objects.
 class KELM25D_API Visualizer3 : public std::ofstream {
 public:
     /// Says on standard output that it writes the file, opens it, replacing an existing one, and begins the

@@ -10,8 +10,7 @@ namespace QUOR_KELM25D {
 /// Makes a directory, and the directories above it that are missing.
 ///
 /// The part of a path above a name ends at the last slash, or in a path without any at the last backslash.
-/// @param path not null
-/// @return true if the directory is there now, also if it was there before; false for an empty path, if
+/// @return true if the directory is there now, also if it was there before; false for null, an empty path, if
 /// something else has the name, or if the system refuses
 KELM25D_API bool createDirectory(const char* path);
 
