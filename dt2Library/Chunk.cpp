@@ -121,8 +121,8 @@ void FreshTriangles::giveBack() {
 
 Chunk::Chunk(Dt2* pDt_, const Bbox2& frame_, const DenseVertices& denseVertices_, std::size_t firstIdx_,
              std::size_t lastIdx_, const Point2* pNear_)
-    : pDt(pDt_), frame(frame_), denseVertices(denseVertices_), firstIdx(firstIdx_), lastIdx(lastIdx_),
-      pNear(pNear_), inserter(quorTest) {
+    : pDt(pDt_), frame(frame_), denseVertices(denseVertices_), firstIdx(firstIdx_),
+      lastIdx(lastIdx_), aNear{pNear_, pNear_, pNear_}, inserter(quorTest) {
     // The two maxima go in with their sign, deliberately; what they do not cover widens the filter.
     const double asWritten = 1.01 * std::max(frame.get_maxX(), frame.get_maxY());
     quorTest.setRange(
@@ -134,10 +134,10 @@ void Chunk::prepare() {
         ownBox.add(*denseVertices[i]);
     }
     const Point2 corner = ownBox.getMinPoint();
-    Triangle2* pStartT = getStart();
+    Triangle2* pStartT = aNear[0]->getIncidentTriangle();
     int edgeIdx = -1;
     inserter.locateFrom(&corner, pStartT, edgeIdx);
-    pNear = pStartT->getCorner(0);
+    std::copy_n(pStartT->aCorner, 3, aNear);
 
     // All triangles whose circle reaches the border of the box are connected: a search from the one at a
     // corner finds them, and those around them that it turns away are their neighbours.
@@ -167,6 +167,20 @@ void Chunk::prepare() {
                             std::max(extremes.get_minY() - dy, frame.get_minY()), 0.0));
     influenceBox.add(Point2(std::min(extremes.get_maxX() + dx, frame.get_maxX()),
                             std::min(extremes.get_maxY() + dy, frame.get_maxY()), 0.0));
+}
+
+/// A triangle to start walks from. What stands around the three corners may have changed since prepare, but
+/// one of them mostly still has a triangle over the box.
+Triangle2* Chunk::getStart() const noexcept {
+    for (const Point2* pNear : aNear) {
+        Triangle2* pT = pNear->getIncidentTriangle();
+        int numInBox = 0;
+        for (const Point2* pCorner : pT->aCorner) {
+            if (influenceBox.isInBox(*pCorner)) ++numInBox;
+        }
+        if (numInBox >= 2) return pT;
+    }
+    return aNear[0]->getIncidentTriangle();
 }
 
 void Chunk::run(FreshTriangles& fresh) {

@@ -62,13 +62,14 @@ public:
     /// Inserts the range with triangles from the worker's stock.
     void run(FreshTriangles& fresh);
 
-    std::size_t size() const noexcept { return lastIdx - firstIdx; }
+    /// Vertices that run has inserted or found to be duplicates; the others are postponed.
+    std::size_t numDone() const noexcept { return lastIdx - firstIdx - vPostponed.size(); }
     const Bbox2& getInfluenceBox() const noexcept { return influenceBox; }
     /// Inserts what could not be located within the box. Not while workers run.
     void insertPostponed();
 
 private:
-    Triangle2* getStart() const noexcept { return pNear->getIncidentTriangle(); }
+    Triangle2* getStart() const noexcept;
     Triangle2* insertBisecting(std::size_t first, std::size_t last, Triangle2* pHint, FreshTriangles& fresh);
     Triangle2* insert(Point2* p, Triangle2* pHint, FreshTriangles& fresh);
 
@@ -76,10 +77,10 @@ private:
     const Bbox2& frame;
     DenseVertices denseVertices;
     std::size_t firstIdx, lastIdx;
-    const Point2* pNear; // after prepare: a corner of a triangle that the chunk will change
-    Bbox2 ownBox;        // of the vertices of the range
-    Bbox2 influenceBox;  // of everything the chunk may touch
-    QuorTest quorTest;   // of its own, since predicates keep scratch
+    const Point2* aNear[3]; // after prepare: the corners of a triangle over the box
+    Bbox2 ownBox;           // of the vertices of the range
+    Bbox2 influenceBox;     // of everything the chunk may touch
+    QuorTest quorTest;      // of its own, since predicates keep scratch
     MeshInserter inserter;
     std::vector<Point2*> vPostponed;
 };

@@ -79,6 +79,9 @@ bool Dt2::startTriangulation(std::size_t numPreExistingVtx) {
     Point2 *a = nullptr, *b = nullptr, *c = nullptr;
     if (!vertexVault.getFirstTriple(a, b, c)) return false;
     // Vertices that came one by one wait in the order they came in: walks between them would cross the mesh.
+    const bool bAll = numPreExistingVtx == vertexVault.size();
+    vertexVault.dropInactive();
+    if (bAll) numPreExistingVtx = vertexVault.size();
     vertexVault.orderFront(numPreExistingVtx);
     vertexVault.setFullDimensional(true);
     Triangle2* pFirst = createTriangle(a, b, c);

@@ -154,6 +154,7 @@ void Dt2::insertBulk(const char* label, std::size_t numPoints, std::vector<Point
     const double n = static_cast<double>(numPoints);
     progress.begin(label, static_cast<int>(std::min(1.1 * n, 2147483647.0)));
     std::size_t firstIdx = 0;
+    if (!is2D()) vertexVault.dropInactive(); // positions stay as they are from here on
     addVertices(firstIdx);
     progress.advance(static_cast<int>(0.1 * n));
     if (is2D()) {

@@ -24,6 +24,12 @@ bool isAhead(const Point2& a, const Point2& b, const Point2& c) noexcept {
     return (b.y() > a.y()) == (c.y() > a.y()) && c.y() != a.y();
 }
 
+/// Whether the segment lies beyond one side of the box as a whole.
+bool isBeside(const Bbox2& box, const Point2& s, const Point2& t) noexcept {
+    return std::max(s.x(), t.x()) < box.get_minX() || std::min(s.x(), t.x()) > box.get_maxX() ||
+           std::max(s.y(), t.y()) < box.get_minY() || std::min(s.y(), t.y()) > box.get_maxY();
+}
+
 /// Output of the chords of a thinned polyline.
 void appendThinned(const std::vector<Point2>& vLine, double zTolerance, std::vector<Segment2>& vOut) {
     std::vector<std::pair<std::size_t, std::size_t>> vStack = {{0, vLine.size() - 1}};
@@ -55,7 +61,8 @@ void appendThinned(const std::vector<Point2>& vLine, double zTolerance, std::vec
 class Dt2::Trace {
 public:
     Trace(Dt2& dt_, const Point2& s_, const Point2& t_, std::vector<Point2>& vPoints_)
-        : dt(dt_), s(s_), t(t_), vPoints(vPoints_) {}
+        : dt(dt_), s(s_), t(t_), bAlongX(std::fabs(t_.x() - s_.x()) >= std::fabs(t_.y() - s_.y())),
+          vPoints(vPoints_) {}
 
     /// Collects the points of the part over the hull, at least one if there is such a part. True if that is
     /// the whole segment.
@@ -84,16 +91,31 @@ private:
     Orientation2 sideOf(const Point2* p) { return dt.quorTest.getOrientation2Filtered(&s, &t, p); }
     Orientation2 targetSide(const Triangle2* pT, int i) { return dt.quorTest.getEdgeOrientation(pT, i, &t); }
 
+    /// Whether the way leads from p to q and not back, as far as doubles can tell.
+    bool isOnward(const Point2& p, const Point2& q) const noexcept {
+        if (bAlongX) return s.x() < t.x() ? p.x() < q.x() : p.x() > q.x();
+        return s.y() < t.y() ? p.y() < q.y() : p.y() > q.y();
+    }
+
+    /// Adds a point that is known exactly. Computed crossings whose rounding went past it give way.
+    void addExact(const Point2& p) {
+        while (vPoints.size() > numSettled && !isOnward(vPoints.back(), p)) {
+            vPoints.pop_back();
+        }
+        vPoints.push_back(p);
+        numSettled = vPoints.size();
+    }
+
     void goTo(Point2* pVtx_) {
         pVtx = pVtx_;
         state = AT_VERTEX;
-        vPoints.push_back(*pVtx);
+        addExact(*pVtx);
         if (*pVtx == t) state = DONE;
     }
 
     /// Ends at the target, which lies in pT.
     void finishIn(const Triangle2* pT) {
-        vPoints.emplace_back(t.x(), t.y(), dt.heightInTriangle(*pT, t.x(), t.y()));
+        addExact(Point2(t.x(), t.y(), dt.heightInTriangle(*pT, t.x(), t.y())));
         state = DONE;
     }
 
@@ -114,6 +136,7 @@ private:
         const Point2 *a = pT->getCorner(incIndexBy1(i)), *b = pT->getCorner(incIndexBy2(i));
         double x = 0.0, y = 0.0;
         getIntersection2D(&s, &t, a, b, x, y);
+        if (!vPoints.empty() && !isOnward(vPoints.back(), Point2(x, y, 0.0))) return; // rounding led back
         vPoints.emplace_back(x, y, heightOnSegment(*a, *b, x, y));
     }
 
@@ -124,7 +147,7 @@ private:
                 return;
             }
         }
-        vPoints.emplace_back(s.x(), s.y(), dt.heightInTriangle(*pT, s.x(), s.y()));
+        addExact(Point2(s.x(), s.y(), dt.heightInTriangle(*pT, s.x(), s.y())));
         for (int i = 0; i < 3; ++i) {
             if (targetSide(pT, i) != ORIENTATION2_CW) continue;
             // The target is beyond edge i; the segment leaves here if it passes between the ends.
@@ -221,7 +244,9 @@ private:
     Dt2& dt;
     const Point2& s;
     const Point2& t;
+    bool bAlongX; // the longer extent of the segment
     std::vector<Point2>& vPoints;
+    std::size_t numSettled = 0; // points up to the last exact one
     State state = DONE;
     Point2* pVtx = nullptr;               // in AT_VERTEX
     const Triangle2* pTriangle = nullptr; // in IN_TRIANGLE: entered through edge entryIdx
@@ -232,6 +257,7 @@ bool Dt2::drape(const std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, d
     if (!is2D()) return vIn.empty();
     bool bComplete = true;
     std::vector<Point2> vPoints;
+    std::vector<Segment2> vPieces; // the caller may have passed one sequence for both
     for (const Segment2& segment : vIn) {
         const Point2 s = segment.getSrc(), t = segment.getTrg();
         if (s == t) continue;
@@ -240,19 +266,23 @@ bool Dt2::drape(const std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, d
             bComplete = false;
             continue;
         }
+        if (isBeside(extent, s, t)) {
+            bComplete = false;
+            continue;
+        }
         quorTest.setRange(std::max({quorTest.getRange(), s.getMaxAbs(), t.getMaxAbs()}));
         vPoints.clear();
         if (!Trace(*this, s, t, vPoints).run()) bComplete = false;
-        vPoints.erase(std::unique(vPoints.begin(), vPoints.end()), vPoints.end());
         if (vPoints.size() < 2) continue;
         if (zTolerance < 0.0) {
             for (std::size_t i = 0; i + 1 < vPoints.size(); ++i) {
-                vOut.emplace_back(vPoints[i], vPoints[i + 1]);
+                vPieces.emplace_back(vPoints[i], vPoints[i + 1]);
             }
         } else {
-            appendThinned(vPoints, zTolerance, vOut);
+            appendThinned(vPoints, zTolerance, vPieces);
         }
     }
+    vOut.insert(vOut.end(), vPieces.begin(), vPieces.end());
     return bComplete;
 }
 

@@ -150,15 +150,7 @@ void Dt2::collectVisibleHull(const Point2* q, Edge2 edge) {
 }
 
 Triangle2* Dt2::extendHull(Point2* q, Triangle2* pT, int edgeIdx) {
-    // The visible edges in counterclockwise hull order: backward ones reversed, the edge itself, forward
-    // ones.
-    vHullEdges.clear();
-    const Edge2 edge(pT, edgeIdx);
-    collectHullBackward(q, edge);
-    std::reverse(vHullEdges.begin(), vHullEdges.end());
-    vHullEdges.push_back(edge);
-    collectHullForward(q, edge);
-
+    collectVisibleHull(q, Edge2(pT, edgeIdx));
     Triangle2* pResult = nullptr;
     if (vHullEdges.size() == 1 && quorTest.getEdgeOrientation(pT, edgeIdx, q) == ORIENTATION2_COLLINEAR) {
         pResult = splitHullEdge(pT, q, edgeIdx);

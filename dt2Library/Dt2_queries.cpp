@@ -15,15 +15,17 @@ namespace QUOR_KELM25D {
 namespace {
 
 constexpr double steepCosine = 0.08715574274765817; // of 85 degrees: a steeper triangle gets exact heights
+constexpr double wellConditioned = 1e-9;            // least ratio of the doubled area to the sum of its terms
 constexpr double heightSlack = 0.001;               // rounding beyond the corners' heights that is cut off
 
-/// The height at (x, y) of the plane through the corners; false where the plan view has no area in double.
+/// The height at (x, y) of the plane through the corners; false where rounding would spoil it, since the
+/// corners are nearly collinear in the plan view.
 bool planeHeight(const Triangle2& t, double x, double y, double& height) noexcept {
     const Point2 &p0 = *t.getCorner(0), &p1 = *t.getCorner(1), &p2 = *t.getCorner(2);
     const double ax = p1.x() - p0.x(), ay = p1.y() - p0.y(), az = p1.z() - p0.z();
     const double cx = p2.x() - p0.x(), cy = p2.y() - p0.y(), cz = p2.z() - p0.z();
-    const double d = ax * cy - cx * ay;
-    if (d == 0.0) return false;
+    const double t1 = ax * cy, t2 = cx * ay, d = t1 - t2;
+    if (!(d > wellConditioned * (std::fabs(t1) + std::fabs(t2)))) return false;
     height = p0.z() + (ax * cz - cx * az) / d * (y - p0.y()) - (ay * cz - cy * az) / d * (x - p0.x());
     return true;
 }
@@ -64,6 +66,7 @@ Triangle2* Dt2::getAdjacentTriangle(Point2* p0, Point2* p1) const {
 }
 
 void Dt2::getIncidentTriangles(Point2* pVtx, std::vector<Triangle2*>& vTriangles) const {
+    KELM_CHECK(pVtx!=0);
     const TriangleAroundVertexIterator start(pVtx);
     TriangleAroundVertexIterator it(start);
     do {
@@ -94,16 +97,21 @@ void Dt2::getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull) {
                      "is2D() is false, the triangulation is not full dimensional yet");
         return;
     }
-    // The box is doubled: a point on its border lies outside the hull, and the walk to it ends at a hull
-    // edge.
-    const Point2 outside(bbox.get_minX(), bbox.get_minY(), 0.0);
-    Triangle2* pStartT = vertexVault.getOneValidTriangle();
+    // The corner of the box of all points lies on the hull or outside: the walk to it ends at a hull edge or
+    // at a hull vertex.
+    const Point2 boxCorner(extent.get_minX(), extent.get_minY(), 0.0);
+    Triangle2* pT = findStart(boxCorner);
     int edgeIdx = -1;
-    const int hullIdx = locateFrom(&outside, pStartT, edgeIdx);
+    int hullIdx = locateFrom(&boxCorner, pT, edgeIdx);
+    if (hullIdx == MeshInserter::AT_CORNER) {
+        int cornerIdx = 0;
+        while (*pT->getCorner(cornerIdx) != boxCorner)
+            ++cornerIdx;
+        hullIdx = incIndexBy1(cornerIdx); // the loop below turns from here to the hull edge
+    }
     KELM_CHECK(hullIdx>-1 && hullIdx<3);
 
     std::vector<Point2*> vConvexHullPoints;
-    Triangle2* pT = pStartT;
     Point2* pStartVtx = pT->getCorner(incIndexBy2(hullIdx));
     Point2* pVtx = pStartVtx;
     do {

@@ -30,11 +30,12 @@ void Dt2::remove(Point2* pVtx) {
         return;
     }
     vertexVault.sortIfNeeded(true);
-    if (pVtx->getIncidentTriangle() == nullptr) {
-        if (!is2D()) {
-            vertexVault.deactivate(pVtx);
-            return;
-        }
+    const bool bOwn = vertexVault.isActive(pVtx); // and not a vertex of another triangulation
+    if (bOwn && !is2D()) {
+        vertexVault.deactivate(pVtx);
+        return;
+    }
+    if (!bOwn || pVtx->getIncidentTriangle() == nullptr) {
         std::cout << *pVtx << std::endl;
         printWarning("Dt2::remove()", "vertex does not belong to the triangulation, return");
         return;
@@ -116,7 +117,6 @@ void Dt2::closeHole(const Point2* pVtx, std::vector<Triangle2*>& vFlipped) {
     aT[0]->setPropertiesAndOppT(aOuterVtx[0], aOuterVtx[1], aOuterVtx[2], aOuterT[1], aOuterT[2], aOuterT[0]);
     MeshInserter::relink(aOuterT[1], aT[1], aT[0]);
     MeshInserter::relink(aOuterT[2], aT[2], aT[0]);
-    // The two others may be among the flipped ones: they have no corners from now on.
     recycleTriangle(aT[1]);
     recycleTriangle(aT[2]);
     vFlipped.push_back(aT[0]);

@@ -9,6 +9,7 @@
 #include <kelm25d/Circle2.h>
 #include <kelm25d/Visualizer2.h>
 
+#include <atomic>
 #include <cmath>
 #include <iomanip>
 #include <iostream>
@@ -17,7 +18,7 @@
 namespace QUOR_KELM25D {
 
 std::string nextDebugPrefix() {
-    static int counter = 0;
+    static std::atomic<int> counter{0};
     std::ostringstream prefix;
     prefix << std::setw(5) << ++counter << '_';
     return prefix.str();
@@ -55,7 +56,8 @@ bool checkTopology(const std::vector<Triangle2*>& vTriangles, const std::string&
             if (pT->getOppositeTriangle(i) == nullptr) continue;
             if (const char* fault = neighbourFault(pT, i)) {
                 report(fault, pT);
-                std::cout << *pT->getOppositeTriangle(i) << std::endl;
+                const Triangle2* pN = pT->getOppositeTriangle(i);
+                if (pN->getCorner(0) != nullptr) std::cout << *pN << std::endl; // else one that is out of use
             }
         }
     }
@@ -97,6 +99,7 @@ bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) 
             const Triangle2* pN = pT->getOppositeTriangle(i);
             if (pN == nullptr) continue;
             const Point2* d = pN->getCorner(pN->getIntraTriangleIndex(pT));
+            if (d == nullptr) continue; // out of use, and reported above
             if (quorTest.circleIncFiltered(pT, d) != 1) continue;
             printError(where, "Sphere inclusion test failed ");
             std::cout << *pT << std::endl << *d << std::endl;

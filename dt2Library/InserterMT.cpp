@@ -53,6 +53,7 @@ void InserterMT::run(VertexVault::EntryIterator first, VertexVault::EntryIterato
     }
     KELM_CHECK(vStartedChunks.empty());
     std::vector<std::thread> vThreads;
+    vThreads.reserve(numWorkers);
     try {
         for (std::size_t i = 1; i < numWorkers; ++i) {
             vThreads.emplace_back(&InserterMT::worker, this, i);
@@ -112,7 +113,7 @@ void InserterMT::worker(std::size_t workerIdx) {
                 const std::lock_guard<std::mutex> lock(mtx);
                 vStartedChunks.erase(std::find(vStartedChunks.begin(), vStartedChunks.end(), pChunk));
                 chunkDone.notify_all();
-                numUnreported += pChunk->size();
+                numUnreported += pChunk->numDone();
                 if (workerIdx == 0) std::swap(numToReport, numUnreported);
             }
             pDt->progress.advanceSteps(numToReport); // receivers are called on the calling thread only

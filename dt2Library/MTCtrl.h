@@ -2,6 +2,8 @@
 // Nothing is shared between batches; a task must not touch what another task of its batch writes.
 #pragma once
 
+#include <algorithm>
+#include <exception>
 #include <mutex>
 #include <set>
 #include <system_error>
@@ -21,12 +23,14 @@ public:
     MTCtrl& operator=(const MTCtrl&) = delete;
 
     /// Runs fn on every task with numThreads threads, the calling one among them, and returns when all are
-    /// done. Where the system gives fewer threads, those do all the work.
+    /// done. Where the system gives fewer threads, those do all the work. If a task throws, no further one is
+    /// started, and its exception comes out of here.
     void run(void (T::*fn)(), int numThreads) {
-        const int numTasks = static_cast<int>(sPending.size());
+        const std::size_t numTasks = sPending.size(), numWanted = static_cast<std::size_t>(numThreads);
         std::vector<std::thread> vThreads;
+        vThreads.reserve(std::min(numTasks, numWanted));
         try {
-            for (int i = 1; i < numThreads && i < numTasks; ++i) {
+            for (std::size_t i = 1; i < numWanted && i < numTasks; ++i) {
                 vThreads.emplace_back(&MTCtrl::worker, this, fn);
             }
         } catch (const std::system_error&) {
@@ -36,6 +40,7 @@ public:
         for (std::thread& thread : vThreads) {
             thread.join();
         }
+        if (pFailure) std::rethrow_exception(pFailure);
     }
 
 private:
@@ -49,8 +54,17 @@ private:
                 sPending.erase(sPending.begin());
                 sStarted.insert(pTask);
             }
-            (pTask->*fn)();
+            std::exception_ptr pThrown;
+            try {
+                (pTask->*fn)();
+            } catch (...) {
+                pThrown = std::current_exception();
+            }
             const std::lock_guard<std::mutex> lock(mtx);
+            if (pThrown) {
+                if (!pFailure) pFailure = pThrown;
+                sPending.clear();
+            }
             sDone.insert(pTask);
             sStarted.erase(pTask);
         }
@@ -59,7 +73,8 @@ private:
     std::set<T*> sPending; // not started
     std::set<T*> sStarted; // being run
     std::set<T*> sDone;
-    std::mutex mtx; // guards the three sets
+    std::exception_ptr pFailure; // of the first task that threw
+    std::mutex mtx;              // guards all of this
 };
 
 } // namespace QUOR_KELM25D

@@ -60,7 +60,9 @@ int MeshInserter::locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, cons
             }
             if (isAtCorner(pT, q)) return AT_CORNER;
             if (!bOnHullLine) edgeIdx = i;
-            if (pT->getOppositeTriangle(i) != nullptr) continue; // a later edge may still send the walk on
+            // A later edge may still send the walk on. Within limits no hull is met, and nothing read
+            // unasked.
+            if (pLimit != nullptr || pT->getOppositeTriangle(i) != nullptr) continue;
             // On the supporting line of hull edge i: inside the edge, or beyond one of its ends.
             const int next = incIndexBy1(i), prev = incIndexBy2(i);
             int beyond = -1;
@@ -77,12 +79,12 @@ int MeshInserter::locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, cons
         }
         if (crossed < 0) return INSIDE;
         if (!bOnHullLine) edgeIdx = -1;
-        Triangle2* pN = pT->getOppositeTriangle(crossed);
-        if (pN == nullptr) return crossed;
         if (pLimit != nullptr && !(pLimit->isInBox(*pT->getCorner(incIndexBy1(crossed))) &&
                                    pLimit->isInBox(*pT->getCorner(incIndexBy2(crossed))))) {
             return LEFT_LIMIT;
         }
+        Triangle2* pN = pT->getOppositeTriangle(crossed);
+        if (pN == nullptr) return crossed;
 
         // The edge just crossed is not tested again; the order of the two others alternates.
         const int j = pN->getIntraTriangleIndex(pT);

@@ -33,7 +33,7 @@ public:
     /// Walks from pT to q. INSIDE: q lies in pT, on its inner edge edgeIdx unless that is -1. 0 to 2: q lies
     /// outside the hull or on it, and that is the hull edge of pT to start from. AT_CORNER: q has the place
     /// of a corner of pT. LEFT_LIMIT: the next step would have crossed an edge with an end outside pLimit,
-    /// which is not null.
+    /// which is not null; the hull must lie outside it.
     int locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, const Bbox2* pLimit = nullptr);
 
     /// Walks from pT towards q as far as the static filter leads, mostly to the triangle that holds q: a

@@ -17,7 +17,8 @@ namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr std::size_t sampleStep = 16; // entries: four cache lines
+constexpr std::size_t sampleStep = 16;  // entries: four cache lines
+constexpr std::size_t scansPerHash = 8; // entries looked at, in lengths of the index, before a table pays
 constexpr std::size_t notFound = 2147483647;
 constexpr std::size_t prefetchDistance = 12; // points ahead while gathering them in Hilbert order
 
@@ -237,7 +238,10 @@ Triangle2* VertexVault::getCloT(std::uint32_t key, const Point2& q) const {
 /// end, which finds the unsorted tail and what a sort in four parts displaced.
 template <class Matches>
 std::size_t VertexVault::findActive(std::uint32_t key, const Matches& matches) const {
-    const auto isIt = [&](std::size_t i) { return vIdxVtxAct[i].bActive && matches(*vIdxVtxAct[i].pVtx); };
+    const auto isIt = [&](std::size_t i) {
+        ++numScanned;
+        return vIdxVtxAct[i].bActive && matches(*vIdxVtxAct[i].pVtx);
+    };
     const std::size_t found = lowerBound(key);
     for (std::size_t i = found; i < numSorted && vIdxVtxAct[i].hcKey <= key; ++i) {
         if (isIt(i)) return i;
@@ -251,9 +255,27 @@ std::size_t VertexVault::findActive(std::uint32_t key, const Matches& matches) c
     return npos;
 }
 
+/// Position of the vertex's active entry, or npos.
+std::size_t VertexVault::findVertex(const Point2* pQuery) const {
+    const auto isAt = [&](std::size_t i) {
+        return i < vIdxVtxAct.size() && vIdxVtxAct[i].bActive && vIdxVtxAct[i].pVtx == pQuery;
+    };
+    if (isAt(lastFound)) return lastFound;
+    if (numScanned > scansPerHash * vIdxVtxAct.size()) {
+        // Long runs of one key or a long unsorted tail: from now on by a table, until entries move.
+        for (; numPlaced < vIdxVtxAct.size(); ++numPlaced) {
+            mPosition[vIdxVtxAct[numPlaced].pVtx] = numPlaced;
+        }
+        const auto it = mPosition.find(pQuery);
+        lastFound = it != mPosition.end() && isAt(it->second) ? it->second : npos;
+    } else {
+        lastFound = findActive(hilbert.getIdx(*pQuery), [&](const Point2& vtx) { return &vtx == pQuery; });
+    }
+    return lastFound;
+}
+
 std::size_t VertexVault::getIdxOfActiveVtx(const Point2* pQuery) const {
-    const std::size_t i =
-        findActive(hilbert.getIdx(*pQuery), [&](const Point2& vtx) { return &vtx == pQuery; });
+    const std::size_t i = findVertex(pQuery);
     if (i != npos) return i;
     printError("VertexVault::getIdxOfActiveVtx", "pQuery not found");
     return notFound;
@@ -277,6 +299,17 @@ void VertexVault::forgetWaiting() {
     PlanMap().swap(mWaiting);
     numHashed = numCollinear = 0;
     firstOfLine = secondOfLine = npos;
+}
+
+/// What was known of positions is so no more.
+void VertexVault::entriesMoved() {
+    vKeySamples.clear();
+    for (std::size_t i = 0; i < numSorted; i += sampleStep) {
+        vKeySamples.push_back(vIdxVtxAct[i].hcKey);
+    }
+    forgetWaiting();
+    PositionMap().swap(mPosition);
+    numPlaced = numScanned = 0;
 }
 
 bool VertexVault::getFirstTriple(Point2*& a, Point2*& b, Point2*& c) {
@@ -354,8 +387,23 @@ void VertexVault::deactivate(Point2* pVtx) {
     const std::size_t i = getIdxOfActiveVtx(pVtx);
     if (i == notFound) return;
     deactivateEntry(vIdxVtxAct[i]);
-    // While not full-dimensional the index keeps no inactive entries.
-    if (!bFullDimensional) sortIfNeeded(false);
+    if (bFullDimensional) return;
+    if (i < numHashed) mWaiting.erase(std::make_pair(pVtx->x(), pVtx->y()));
+    if (i == firstOfLine || i == secondOfLine) {
+        numCollinear = 0;
+        firstOfLine = secondOfLine = npos;
+    }
+    if (2 * numInactive > vIdxVtxAct.size()) dropInactive();
+}
+
+void VertexVault::dropInactive() {
+    if (numInactive == 0) return;
+    const auto isInactive = [](const IdxVtx& entry) { return !entry.bActive; };
+    const auto sortedEnd = vIdxVtxAct.begin() + static_cast<std::ptrdiff_t>(numSorted);
+    numSorted -= static_cast<std::size_t>(std::count_if(vIdxVtxAct.begin(), sortedEnd, isInactive));
+    vIdxVtxAct.erase(std::remove_if(vIdxVtxAct.begin(), vIdxVtxAct.end(), isInactive), vIdxVtxAct.end());
+    numInactive = 0;
+    entriesMoved();
 }
 
 void VertexVault::rekey() {
@@ -377,15 +425,7 @@ void VertexVault::sortIfNeeded(bool bConditional) {
         --numInactive;
     }
     numSorted = vIdxVtxAct.size();
-    sampleKeys();
-    forgetWaiting();
-}
-
-void VertexVault::sampleKeys() {
-    vKeySamples.clear();
-    for (std::size_t i = 0; i < numSorted; i += sampleStep) {
-        vKeySamples.push_back(vIdxVtxAct[i].hcKey);
-    }
+    entriesMoved();
 }
 
 void VertexVault::orderFront(std::size_t n) {
@@ -402,8 +442,7 @@ void VertexVault::orderFront(std::size_t n) {
         vIdxVtxAct[i] = vUnordered[vKeys[i].pos];
     }
     numSorted = std::max(n, numSorted);
-    sampleKeys();
-    forgetWaiting();
+    entriesMoved();
 }
 
 // --- duplicates -------------------------------------------------------------------------------------------

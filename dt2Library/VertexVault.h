@@ -59,6 +59,8 @@ public:
     Triangle2* getCloT(std::uint32_t key, const Point2& q) const;
     /// Position of the active entry of that vertex; 2147483647 and an error line if there is none.
     std::size_t getIdxOfActiveVtx(const Point2* pQuery) const;
+    /// Whether it is a vertex of this vault and active.
+    bool isActive(const Point2* pVtx) const { return findVertex(pVtx) != npos; }
     /// The active vertex with equal x and y, or null.
     Point2* getVertexPointer(const Point2& point) const;
     /// The waiting vertex with equal x and y, or null. Only while not full-dimensional.
@@ -85,8 +87,10 @@ public:
 
     void setFullDimensional(bool bFull) noexcept;
     /// Sorts the first n entries along the curve, and along finer ones where many share a key. For vertices
-    /// that have waited, before they enter the mesh; all of them active.
+    /// that have waited, before they enter the mesh; all of them active, see dropInactive.
     void orderFront(std::size_t n);
+    /// Takes inactive entries out of the index, which keeps its order.
+    void dropInactive();
     /// The vertex left the triangulation.
     void deactivate(Point2* pVtx);
     /// Recomputes every key after the Hilbert curve changed.
@@ -130,7 +134,8 @@ private:
     template <class Matches>
     std::size_t findActive(std::uint32_t key, const Matches& matches) const;
     void deactivateEntry(IdxVtx& entry) noexcept;
-    void sampleKeys();
+    std::size_t findVertex(const Point2* pQuery) const;
+    void entriesMoved();
     void replaceHandles(std::vector<Point2*>& vHandles) const;
     const std::pair<Point2*, Point2*>* findRedundant(const Point2* pVtx) const noexcept;
     void sortRedundant();
@@ -150,11 +155,19 @@ private:
     std::vector<std::uint32_t> vKeySamples; // of every sampleStep-th sorted entry: small enough for the cache
     std::size_t numDeactivated = 0;         // removals since the last sort
     std::size_t numInactive = 0;            // entries with the flag cleared
+    mutable std::size_t lastFound = npos;   // position found last; may hold another entry by now
     std::vector<Point2*> vFakeBoxHandles;   // empty outside a bulk insertion with several threads; owned
     // Pending duplicates: the redundant vertex and the vertex in its place. A map, as a sequence that is
     // sorted once all are known.
     std::vector<std::pair<Point2*, Point2*>> mRedundant2UniqueVtx;
     std::mutex mtxDuplicates; // guards mRedundant2UniqueVtx in addDuplicate
+
+    // Positions by vertex, of the first numPlaced entries: made when scanning has become costly, dropped when
+    // entries move.
+    using PositionMap = std::unordered_map<const Point2*, std::size_t>;
+    mutable PositionMap mPosition;
+    mutable std::size_t numPlaced = 0;
+    mutable std::size_t numScanned = 0; // entries looked at since entries moved last
 
     // While not full-dimensional: what is known of the leading entries, so that a long line of points that
     // arrive one by one is not searched anew for each. Forgotten whenever entries move.

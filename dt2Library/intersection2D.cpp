@@ -27,12 +27,13 @@ double slopeOf(const Point2& a, const Point2& b) noexcept {
     return std::fabs(dx) > minRun ? (b.y() - a.y()) / dx : verticalSlope;
 }
 
-/// The intersection in double arithmetic around the centre of the four points; false where it would be poor.
+/// The intersection in double arithmetic around the centre of the shorter segment, since next to it all
+/// cancellation is harmless; false where the result would be poor.
 bool intersectInDouble(const Point2* const (&aEnd)[4], Point2& result) {
+    const bool bFirst = squaredDistance2D(*aEnd[0], *aEnd[1]) < squaredDistance2D(*aEnd[2], *aEnd[3]);
     Bbox2 box;
-    for (const Point2* p : aEnd) {
-        box.add(*p);
-    }
+    box.add(*aEnd[bFirst ? 0 : 2]);
+    box.add(*aEnd[bFirst ? 1 : 3]);
     const Point2 center = box.computeCenter();
     Point2 a[4];
     for (int i = 0; i < 4; ++i) {

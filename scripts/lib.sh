@@ -27,6 +27,7 @@ needForTests() {
     needForBuild
     need pkg-config pkg-config --version
     need libgtest-dev hasHeader gtest/gtest.h
+    need ghostscript gs --version
 }
 
 # Installs what need() has found missing; touches nothing if that is nothing.

@@ -52,7 +52,6 @@ TEST(PointFiles, WrittenPointsComeBackBitByBitBehindWhatIsThere) {
     std::vector<Point2*> vPointers;
     for (Point2& point : vPoints)
         vPointers.push_back(&point);
-    vPoints[5].setCustomIndex(7); // not stored
     ScratchDirectory scratch;
     for (int form = 0; form < 4; ++form) {
         EXPECT_TRUE(form == 0   ? writePointsBIN(filename, vPoints)
@@ -64,11 +63,8 @@ TEST(PointFiles, WrittenPointsComeBackBitByBitBehindWhatIsThere) {
         vRead.erase(vRead.begin());
         EXPECT_TRUE(areSame(vRead, vPoints)) << form;
     }
-}
-
-TEST(PointFiles, FormatsAreFixed) {
-    ScratchDirectory scratch;
-    const std::vector<Point2> vPoints = {{0.1, -2.0, 1e300}, {4500000.001, 0.0, 3.0}};
+    vPoints = {{0.1, -2.0, 1e300}, {4500000.001, 0.0, 3.0}}; // and the formats themselves
+    vPoints[0].setCustomIndex(7);                            // not stored
     ASSERT_TRUE(writePointsBIN(filename, vPoints));
     EXPECT_EQ(readFile(filename), toBytes(30, 2, 0, 0.1, -2.0, 1e300, 4500000.001, 0.0, 3.0));
     ASSERT_TRUE(writePointsASCII(filename, vPoints));
@@ -86,7 +82,6 @@ TEST(PointFiles, BinaryInputIsReadAsFarAsItGoes) {
         {toBytes(30, 0x7fffffff, 0) + three + two, 1, ""},
         {toBytes(30), 0, ""},
         {toBytes(31, 1, 0) + three, 0, "31"},
-        {toBytes(-2), 0, "-2"},
         {"", 0, "0"}};
     ScratchDirectory scratch;
     for (const auto& [content, numPoints, type] : aCase) {
@@ -132,11 +127,10 @@ TEST(PointFiles, FilesThatCannotBeOpenedOrWrittenAreReported) {
     std::vector<Point2> vPoints(10);
     CoutCapture capture;
     for (const std::string name : {"folder", "absent/points"}) {
-        for (const auto read : {readXY, readXYZ, readPointsBIN}) {
+        for (const auto read : {readXY, readXYZ, readPointsBIN})
             EXPECT_FALSE(read(name.c_str(), vPoints));
-            EXPECT_EQ(capture.take(),
-                      name + (read == readPointsBIN ? " can't be read\n" : " is unreadable\n"));
-        }
+        const std::string line = name + " is unreadable\n";
+        EXPECT_EQ(capture.take(), line + line + name + " can't be read\n");
     }
     EXPECT_EQ(vPoints.size(), 10u);
     for (const std::string name : {"folder", "absent/points", "/dev/full"}) { // the last opens, then is full

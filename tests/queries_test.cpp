@@ -157,6 +157,81 @@ TEST(ConvexHull, GoesOnceAroundAllVerticesFromTheLowerLeft) {
                                     "not full dimensional yet") != std::string::npos);
 }
 
+TEST(ConvexHull, IsFoundWhereBoxAndHullMeetAndWhereDoublesEnd) {
+    std::vector<std::vector<Point2>> vSets = {
+        {{0, 0, 0}, {2, 2, 0}, {-1, -1, 0}, {0, 2, 0}},
+        {{1e15, 1e15, 0}, {1e15 + 0.125, 1e15, 0}, {1e15, 1e15 + 0.125, 0}},
+        {{5e-324, 0, 0}, {0, 5e-324, 0}, {0, 0, 0}},
+        {{-1.7e308, -1.7e308, 0}, {1.7e308, -1.7e308, 0}, {0, 1.7e308, 0}}};
+    std::mt19937_64 random(8);
+    for (int i = 0; i < 2000; ++i) { // often on the border of the doubled box of those before
+        vSets.emplace_back();
+        for (int k = 0; k < 6; ++k)
+            vSets.back().emplace_back(static_cast<double>(random() % 9), static_cast<double>(random() % 9),
+                                      0);
+    }
+    for (const std::vector<Point2>& vPoints : vSets) {
+        Kelm_2D dt;
+        for (const Point2& p : vPoints)
+            dt.insert(p);
+        if (!dt.is2D()) continue;
+        std::vector<Point2*> v;
+        dt.getConvexHull(false, v);
+        for (std::size_t i = 0; i < v.size(); ++i) {
+            for (const Point2& p : vPoints)
+                ASSERT_GE(exactOrientation(*v[i], *v[(i + 1) % v.size()], p), 0);
+        }
+        ASSERT_GE(v.size(), 3U);
+    }
+}
+
+TEST(Queries, SliversAlongARoundedLineKeepHeightsAndDrapedLinesInOrder) {
+    std::mt19937_64 random(17);
+    std::uniform_real_distribution<double> unit(-10, 10);
+    QuorTest exact;
+    CoutCapture capture;
+    for (int round = 0; round < 200; ++round) {
+        const double slope = unit(random), shift = round % 2 * unit(random);
+        std::vector<Point2> v;
+        for (int i = 0; i < 30; ++i) {
+            const double x = unit(random);
+            v.emplace_back(x, slope * x + shift, unit(random)); // on a straight line but for the rounding
+        }
+        for (int i = 0; i < 5; ++i)
+            v.emplace_back(unit(random), 10 * unit(random), unit(random));
+        Mesh m(v);
+        exact.setRange(1e3);
+        std::vector<Segment2> vIn, vOut;
+        for (int i = 0; i < 60; ++i) {
+            const double x = unit(random);
+            const Point2 p(x, slope * x + shift, 0);
+            vIn.emplace_back(p, v[static_cast<std::size_t>(i) % v.size()]);
+            vIn.emplace_back(v[static_cast<std::size_t>(i) % v.size()], p);
+            const Triangle2* pT = m.locate(p);
+            double z = 0.0;
+            if (pT == nullptr) continue;
+            ASSERT_TRUE(m.getHeight(p.x(), p.y(), z));
+            const auto corner = [&](int k) { return pT->getCorner(k); };
+            ASSERT_NEAR(exact.getHeightExact(corner(0), corner(1), corner(2), p.x(), p.y()), z, 1e-6);
+        }
+        for (const Segment2& segment : vIn) {
+            std::vector<Segment2> vOne{segment};
+            for (const double tolerance : {-1.0, 0.0}) {
+                vOut.clear();
+                m.drape(vOne, vOut, tolerance);
+                const Vector2 way = segment.getTrg() - segment.getSrc();
+                for (const Segment2& piece : vOut) {
+                    const Vector2 step = piece.getTrg() - piece.getSrc();
+                    const bool bAlongX = std::fabs(way.x()) >= std::fabs(way.y());
+                    ASSERT_GT(bAlongX ? step.x() * way.x() : step.y() * way.y(), 0.0) << segment;
+                }
+            }
+        }
+        m.drape(vIn, vIn, 0.5); // one sequence for both
+    }
+    EXPECT_EQ("", capture.take());
+}
+
 TEST(Height, OutsideTheHullIsTheBorderAtTheNearestPlaceWithinTolerance) {
     Mesh m({{0, 0, 3}, {8, 0, 7}, {16, 16, 5}, {4, 12, 1}, {-8, 16, 0}, {0, 32, 9}});
     // The place (x, y), the distance, and the height there; feet on edges and corners of the hull.

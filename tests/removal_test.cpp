@@ -73,6 +73,44 @@ TEST(Removal, CentreOfManyCocircularVertices) {
     ASSERT_VALID_MESH(dt);
 }
 
+TEST(Removal, CostsLittleAmongEqualKeysInTheUnsortedTailAndOnALine) {
+    // Seconds in all, where a search through all vertices for each takes minutes.
+    constexpr int n = 100000;
+    std::mt19937_64 random(4);
+    std::uniform_real_distribution<double> unit(0, 1);
+    std::vector<Point2> v;
+    for (int i = 0; i < n; ++i)
+        v.emplace_back(unit(random), unit(random), 0);
+    for (const double far : {1e7, 1.0}) { // beside a point far off all others share one key
+        v.emplace_back(far, far, 0);
+        Kelm_2D dt;
+        std::vector<Point2*> vHandles;
+        dt.insert(v, vHandles);
+        std::vector<Point2*> vSingle;
+        for (int i = 0; i < n / 4; ++i)
+            vSingle.push_back(dt.insert({unit(random), unit(random), 0}));
+        for (int i = 0; i < n / 2; ++i)
+            dt.remove(i < n / 4 ? vSingle[static_cast<std::size_t>(i)]
+                                : vHandles[static_cast<std::size_t>(i)]);
+        EXPECT_EQ(v.size() - n / 4, dt.numberOfPoints());
+        ASSERT_VALID_MESH(dt);
+    }
+    Kelm_2D line;
+    std::vector<Point2*> vWaiting;
+    for (int i = 0; i < n; ++i)
+        vWaiting.push_back(line.insert({1.0 * i, 0, 0}));
+    for (int i = 0; i < n - 10; ++i) { // from all over, the first two early
+        line.remove(vWaiting[static_cast<std::size_t>(i * 7919L % n)]);
+        if (i % 4 == 0) line.insert({n + 1.0 * i, 0, 0});
+    }
+    EXPECT_FALSE(line.is2D());
+    const unsigned numLeft = 10 + (n - 10 + 3) / 4;
+    EXPECT_EQ(numLeft, line.numberOfPoints());
+    line.insert({5, 5, 0});
+    EXPECT_EQ(numLeft - 1, line.numberOfTriangles());
+    ASSERT_VALID_MESH(line);
+}
+
 TEST(Removal, MisuseWarnsAndChangesNothing) {
     CoutCapture capture;
     Kelm_2D dt;
@@ -93,6 +131,14 @@ TEST(Removal, MisuseWarnsAndChangesNothing) {
         EXPECT_EQ(1U, dt.numberOfTriangles());
         ASSERT_VALID_MESH(dt);
     }
+    Kelm_2D other; // whose vertices are no vertices here
+    for (const Point2& at : {Point2(0, 0, 0), Point2(3, 0, 0), Point2(0, 3, 0), Point2(1, 1, 0)}) {
+        Point2* pForeign = other.insert(at);
+        dt.remove(pForeign);
+        EXPECT_NE("", capture.take());
+    }
+    EXPECT_TRUE(dt.numberOfTriangles() == 1 && other.numberOfTriangles() == 3);
+    ASSERT_VALID_MESH(other);
     dt.remove(q);
     EXPECT_TRUE(!dt.is2D() && dt.numberOfTriangles() == 0 && dt.numberOfPoints() == 2);
     EXPECT_EQ("", capture.take());

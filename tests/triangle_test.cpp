@@ -9,7 +9,6 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>
-#include <regex>
 
 using namespace QUOR_KELM25D;
 using testing::PrintToString;
@@ -30,32 +29,11 @@ struct OwnTriangle : Triangle2 {
 
 } // namespace
 
-TEST(TriangleIndex, CornersNeighboursAndEdgesAreFoundAndStrangersYieldZero) {
-    Point2 v[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, stranger(0, 0, 0);
-    Triangle2 t, aOpp[3], foreign;
-    t.setPropertiesAndOppT(&v[0], &v[1], &v[2], &aOpp[0], &aOpp[1], &aOpp[2]);
-    for (int i = 0; i < 3; ++i) {
-        const int next = incIndexBy1(i), prev = incIndexBy2(i);
-        EXPECT_TRUE(next == (i + 1) % 3 && prev == (i + 2) % 3 && v[i].getIncidentTriangle() == &t);
-        EXPECT_TRUE(t.getIntraTriangleIndex(&v[i]) == i && t.getIntraTriangleIndex(&aOpp[i]) == i);
-        EXPECT_EQ(t.getIntraTriangleIndex(&v[next], &v[prev]), i);
-        EXPECT_EQ(t.getIntraTriangleIndex(&v[prev], &v[next]), i);
-        EXPECT_TRUE(t.hasVertex(&v[i]) && t.hasVertex(v[i]));
-    }
-    EXPECT_TRUE(t.getIntraTriangleIndex(&stranger) == 0 && t.getIntraTriangleIndex(&foreign) == 0);
-    EXPECT_TRUE(t.hasVertex(stranger) && !t.hasVertex(&stranger) && !t.hasVertex(Point2(0, 0, 1e-9)));
-    CoutCapture capture;
-    EXPECT_EQ(t.getIntraTriangleIndex(&v[0], &stranger), -1);
-    const std::string bug = "BUG: Triangle2::getIntraTriangleIndex failed for\n" + PrintToString(v[0]);
-    EXPECT_EQ(capture.take(), bug + '\n' + PrintToString(stranger) + '\n' + PrintToString(t) + '\n');
-}
-
 TEST(TriangleOnEdge, ClosedEdgeIsExact) {
     const OwnTriangle t({0, 0, 0}, {4, 0, 0}, {0, 2, 0});
     // Each with the bits of the edges that it is on.
-    const std::pair<Point2, int> aCase[] = {{{2, 0, 9}, 4}, {{0, 0, 0}, 6},  {{4, 0, 0}, 5},
-                                            {{2, 1, 0}, 1}, {{0, 1, 0}, 2},  {{1, 0.5, 0}, 0},
-                                            {{5, 0, 0}, 0}, {{-1, 0, 0}, 0}, {{2, DBL_TRUE_MIN, 0}, 0}};
+    const std::pair<Point2, int> aCase[] = {
+        {{2, 0, 9}, 4}, {{0, 0, 0}, 6}, {{2, 1, 0}, 1}, {{5, 0, 0}, 0}, {{2, DBL_TRUE_MIN, 0}, 0}};
     for (const auto& [q, edges] : aCase)
         EXPECT_EQ(t.hasOnEdge(0, q) + 2 * t.hasOnEdge(1, q) + 4 * t.hasOnEdge(2, q), edges) << q;
 }
@@ -63,40 +41,29 @@ TEST(TriangleOnEdge, ClosedEdgeIsExact) {
 TEST(TriangleMeasures, KnownTrianglesGiveKnownValues) {
     // Sides 3, 4, 5 in the plane; lifted over one leg the area in space grows by the secant of the slope.
     const OwnTriangle t({0, 0, 0}, {3, 0, 4}, {0, 4, 0}), needle({0, 0, 0}, {2, 0, 0}, {1, 0, 0});
-    const double aSq2D[3] = {25, 16, 9}, aSq25D[3] = {41, 16, 25};
-    for (int i = 0; i < 3; ++i)
-        EXPECT_TRUE(t.getSquaredEdgeLength2D(i) == aSq2D[i] && t.getSquaredEdgeLength25D(i) == aSq25D[i]);
+    EXPECT_TRUE(t.getSquaredEdgeLength2D(0) == 25 && t.getSquaredEdgeLength25D(0) == 41);
     EXPECT_DOUBLE_EQ(t.getArea2D(), 6);
     EXPECT_DOUBLE_EQ(t.getArea25D(), 10);
-    EXPECT_TRUE(OwnTriangle({1, 2, 3}, {2, 4, 1}, {6, 3, 8}).getBarycenter().samePoint(Point2(3, 3, 4)));
     // The arcs of 4/3 and 4/5; the factor 57.295779513 carries 11 digits.
     EXPECT_NEAR(t.getInteriorAngle2D(1), 53.13010235, 1e-8);
     EXPECT_NEAR(t.getInteriorAngle25D(1), 38.65980825, 1e-8);
+    EXPECT_NEAR(needle.getInteriorAngle2D(2), 180, 1e-8);
     EXPECT_NEAR((t.getNormalVector() - Vector2(-0.8, 0, 0.6)).length(), 0, 4 * DBL_EPSILON);
     EXPECT_TRUE(needle.getArea2D() == 0 && needle.getNormalVector().isDegenerate());
-    EXPECT_NEAR(needle.getInteriorAngle2D(2), 180, 1e-8);
 }
 
 TEST(TriangleMeasures, EquallyLongEdgesGoToTheLowerIndex) {
     const Point2 p(0, 0, 0), q(2, 0, 0), high(1, 5, 0), low(1, 0.5, 0);
-    const OwnTriangle aTall[3] = {{high, p, q}, {q, high, p}, {p, q, high}};
-    const OwnTriangle aFlat[3] = {{low, p, q}, {q, low, p}, {p, q, low}};
-    for (int base = 0; base < 3; ++base) {
-        const int leg = base == 0 ? 1 : 0; // the first of two
-        EXPECT_TRUE(aTall[base].getMaxIndex() == leg && aTall[base].getMinIndex() == base) << base;
-        EXPECT_TRUE(aFlat[base].getMaxIndex() == base && aFlat[base].getMinIndex() == leg) << base;
-    }
+    EXPECT_TRUE(OwnTriangle(high, p, q).getMaxIndex() == 1 && OwnTriangle(p, q, high).getMaxIndex() == 0);
+    EXPECT_TRUE(OwnTriangle(low, p, q).getMinIndex() == 1 && OwnTriangle(p, q, low).getMinIndex() == 0);
 }
 
 TEST(TriangleArea, NaNIsReportedAndFailsTheCheck) {
-    const OwnTriangle t({0, 0, 0}, {1, 0, NAN}, {0, 1, 0});
     CoutCapture capture, errors(std::cerr);
-    EXPECT_THROW(t.getArea25D(), KelmException);
-    const std::regex expected(
-        "Triangle2::computeArea\\(\\), WARNING: invalid value, no area for this triangle\n\n"
-        "ownHalfCircf=-?nan\nCorners are: \n(Point2 .*\n){3}len0=-?nan\nlen1=1\nlen2=-?nan\n"
-        "[^]*Condition \\[ false failed \\]");
-    EXPECT_TRUE(std::regex_search(capture.take(), expected));
+    EXPECT_THROW(OwnTriangle({0, 0, 0}, {1, 0, NAN}, {0, 1, 0}).getArea25D(), KelmException);
+    const std::string text =
+        "Triangle2::computeArea(), WARNING: invalid value, no area for this triangle\n\n";
+    EXPECT_NE(capture.take().find(text + "ownHalfCircf="), std::string::npos);
 }
 
 TEST(TriangleOutput, OrientationCornersAndNeighboursAreWritten) {
@@ -127,23 +94,24 @@ TEST(Circumcentre, OrdinaryTrianglesAreAccurateWhereverTheyLie) {
     }
 }
 
-TEST(Circumcentre, BothStrategiesFindTheCentreUnlessTheCornersAreCollinear) {
+TEST(Circumcentre, BisectionFindsTheCentreInAnyTurn) {
     const Point2 aCase[][4] = {{{0, 0, 1}, {2, 0, 1}, {1, 2, 5}, {1, 0.75, 3}},  // acute, and its centre
-                               {{0, 0, 9}, {4, 0, 6}, {0, 2, 2}, {2, 1, 4}},     // right
                                {{0, 0, 0}, {4, 0, 2}, {2, 1, 9}, {2, -1.5, 1}}}; // obtuse
-    Point2 cc;
     for (const auto& v : aCase) {
-        const OwnTriangle aTurned[3] = {{v[0], v[1], v[2]}, {v[1], v[2], v[0]}, {v[2], v[0], v[1]}};
-        for (const OwnTriangle& t : aTurned) {
-            EXPECT_TRUE(t.getCC_strategy1(1e6, 1e5, cc) && t.isAccurateCC(t.getMaxIndex(), cc)) << t << cc;
-            t.getCC_strategy2(t.getMaxIndex(), 7, 8, cc); // takes the mean height of the longest edge
+        for (int i = 0; i < 3; ++i) {
+            const OwnTriangle t(v[i], v[(i + 1) % 3], v[(i + 2) % 3]);
+            Point2 cc; // gets the mean height of the longest edge
+            t.getCC_strategy2(t.getMaxIndex(), 7, 8, cc);
             EXPECT_TRUE((cc - v[3]).length() < 1e-6 && t.isAccurateCC(t.getMaxIndex(), cc)) << t << cc;
         }
     }
-    const Point2 p(7, 7, 0);
-    for (const Point2& q : {Point2(9, 9, 0), Point2(8, 8, 0), p})
-        EXPECT_FALSE(OwnTriangle(p, Point2(8, 8, 0), q).getCC_strategy1(0, 0, cc)) << q;
-    // With all corners in one place there is no bisector, the centre is no number, and the flag must say so.
+}
+
+TEST(Circumcentre, CollinearAndHugeTrianglesHaveNone) {
+    Point2 cc;
+    const Point2 p(7, 7, 0), q(8, 8, 0);
+    for (const Point2& r : {Point2(9, 9, 0), q, p})
+        EXPECT_FALSE(OwnTriangle(p, q, r).getCC_strategy1(0, 0, cc)) << r;
     EXPECT_FALSE(OwnTriangle(p, p, p).getDual().second);
     const double huge = 1.7e308; // differences are beyond doubles
     EXPECT_FALSE(OwnTriangle({-huge, -huge, 0}, {huge, -huge, 0}, {0, huge, 0}).getDual().second);
@@ -177,15 +145,16 @@ TEST(FanIterator, CycleYieldsEveryTriangleOnceAndOneNullOnTheHull) {
     EXPECT_THROW(TriangleAroundVertexIterator{&vtx}, KelmException);
     for (const auto& [count, bHull] : {std::pair(1, 1), {2, 1}, {3, 1}, {8, 1}, {3, 0}, {7, 0}}) {
         const int length = count + bHull;
-        std::vector<Triangle2> vT(length);
+        std::vector<Triangle2> vT(count);
         std::vector<Triangle2*> vCycle(length, nullptr); // counterclockwise, with null for the hull
         for (int i = 0; i < count; ++i)
             vCycle[i] = &vT[i];
         for (int i = 0; i < count; ++i) {
-            const int k = i % 3; // the vertex takes each corner index in turn
-            vT[i].setProperties(k == 0 ? &vtx : &rim, k == 1 ? &vtx : &rim, k == 2 ? &vtx : &rim);
-            vT[i].setOppTriangle(incIndexBy1(k), vCycle[(i + 1) % length]);
-            vT[i].setOppTriangle(incIndexBy2(k), vCycle[(i + length - 1) % length]);
+            Point2* aCorner[] = {&rim, &rim, &rim};
+            aCorner[i % 3] = &vtx; // takes each corner index in turn
+            vT[i].setProperties(aCorner[0], aCorner[1], aCorner[2]);
+            vT[i].setOppTriangle((i + 1) % 3, vCycle[(i + 1) % length]);
+            vT[i].setOppTriangle((i + 2) % 3, vCycle[(i + length - 1) % length]);
         }
         for (int start = 0; start < count; ++start) {
             TriangleAroundVertexIterator up(&vtx, &vT[start]), down = up;
@@ -195,7 +164,6 @@ TEST(FanIterator, CycleYieldsEveryTriangleOnceAndOneNullOnTheHull) {
                 const Triangle2* pDown = vCycle[(start + 2 * length - k) % length];
                 EXPECT_TRUE(down.previewPrevTriangle() == pDown && *--down == pDown) << count << ' ' << start;
             }
-            EXPECT_TRUE(up == down && up != TriangleAroundVertexIterator(&rim, *up));
         }
     }
 }

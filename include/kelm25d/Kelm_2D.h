@@ -26,9 +26,9 @@ class Visualizer3;
 /// triangle. All decisions in the plane are exact. Until three points are known that are not collinear there
 /// are no triangles: the points wait, and is2D() is false. Points with the x and y of a vertex are
 /// duplicates: the vertex that is there stays, with its height. Points that wait when a bulk insertion with
-/// several threads comes go on waiting, and are not compared with its points, until the triangulation starts
-/// anew; insert them with one thread, or in bulk, if that matters. Where four or more points lie on one
-/// circle the triangulation is not unique, and any of the Delaunay ones may result.
+/// several threads comes go on waiting, can't be removed and are not compared with its points, until the
+/// triangulation starts anew; insert them with one thread, or in bulk, if that matters. Where four or more
+/// points lie on one circle the triangulation is not unique, and any of the Delaunay ones may result.
 ///
 /// Vertices and triangles belong to the triangulation. Their pointers stay valid until it is destroyed; a
 /// triangle may come to stand for other corners whenever points are inserted.
@@ -84,11 +84,11 @@ public:
     Triangle2* getAdjacentTriangle(Point2* p0, Point2* p1);
 
     /// Appends the triangles around a vertex, counterclockwise from its incident triangle; around a hull
-    /// vertex the sequence jumps over the outside. A vertex without triangles throws KelmException.
+    /// vertex the sequence jumps over the outside. Null and a vertex without triangles throw KelmException.
     void getIncidentTriangles(Point2* pVtx, std::vector<Triangle2*>& vTriangles);
 
-    /// Appends the neighbours of a vertex, each once, by address: in no geometric order. A vertex without
-    /// triangles throws KelmException.
+    /// Appends the neighbours of a vertex, each once, by address: in no geometric order. Null and a vertex
+    /// without triangles throw KelmException.
     void getIncidentVertices(Point2* pVtx, std::vector<Point2*>& vVertices);
 
     /// The box of all vertices; invalid if there are none. Linear.
@@ -101,7 +101,9 @@ public:
 
     /// The height of the surface at (x, y), exactly the vertex's z at a vertex and between the heights of the
     /// corners elsewhere. It is written only with the result true. pApproxT is the triangle whose plane is
-    /// asked, if the caller knows it; null means search. Outside the hull, the height of the hull's border at
+    /// asked, if the caller knows it; null means search. If (x, y) lies outside it the height is that of its
+    /// plane, and a steep one throws KelmException. Where a corner's height is not finite the result is not a
+    /// number. Outside the hull, the height of the hull's border at
     /// the nearest place is taken, if that is not farther than tolerance.
     /// @return false outside the hull (and tolerance), before is2D(), and for coordinates that are not finite
     bool getHeight(double x, double y, double& height, Triangle2* pApproxT = nullptr, double tolerance = 0.0);
