@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::size_t sampleStep = 16;  // entries: four cache lines
 constexpr std::size_t scansPerHash = 8; // entries looked at, in lengths of the index, before a table pays
+constexpr std::size_t sharesPerThread = 8;
 constexpr std::size_t notFound = 2147483647;
 constexpr std::size_t prefetchDistance = 12; // points ahead while gathering them in Hilbert order
 
@@ -40,15 +41,18 @@ struct TripleSource {
     void prefetchAt(std::size_t i) const noexcept { prefetch(xyz + 3 * i); }
 };
 
-/// Computes the keys of a range of points.
+/// Computes the keys of a range of points. One of them also makes room for the handles, whose clearing takes
+/// as long as a range.
 template <class Source>
 struct Task {
     KeyPosVector* pvKeys;
     const Source* pSource;
     const HC2* pHilbert;
     std::size_t first, last;
+    std::vector<Point2*>* pvHandles; // or null: to be given its length meanwhile
 
     void run() {
+        if (pvHandles != nullptr) pvHandles->resize(pSource->n);
         for (std::size_t i = first; i < last; ++i) {
             (*pvKeys)[i] = {pHilbert->getIdx(pSource->x(i), pSource->y(i)), static_cast<std::uint32_t>(i)};
         }
@@ -148,12 +152,16 @@ void VertexVault::addFrom(const Source& source, std::vector<Point2*>* pvHandles,
     const std::size_t n = source.n;
     firstIdx = vIdxVtxAct.size();
     const int numThreads = n >= minParallel && n > 10 * static_cast<std::size_t>(numCPU) ? numCPU : 1;
-    const std::size_t share = std::max<std::size_t>(1, n / static_cast<std::size_t>(numThreads));
+    // Several shares a thread: one that the system interrupts leaves the rest to the others.
+    const std::size_t numShares =
+        numThreads == 1 ? 1 : sharesPerThread * static_cast<std::size_t>(numThreads);
+    const std::size_t share = std::max<std::size_t>(1, n / numShares);
 
     KeyPosVector vKeys(n);
     std::vector<Task<Source>> vKeyTasks;
     for (std::size_t first = 0; first < n; first += share) {
-        vKeyTasks.push_back({&vKeys, &source, &hilbert, first, std::min(first + share, n)});
+        vKeyTasks.push_back(
+            {&vKeys, &source, &hilbert, first, std::min(first + share, n), first == 0 ? pvHandles : nullptr});
     }
     runAll(vKeyTasks, numThreads);
     sortKeys(vKeys, numThreads);
@@ -162,7 +170,6 @@ void VertexVault::addFrom(const Source& source, std::vector<Point2*>* pvHandles,
 
     // The pool has no lock: all storage is taken here, block by block, before the workers start.
     vIdxVtxAct.resize(firstIdx + n);
-    if (pvHandles != nullptr) pvHandles->resize(n);
     std::vector<FTask<Source>> vFillTasks;
     for (std::size_t position = 0; position < n;) {
         Point2* pBlock = nullptr;
