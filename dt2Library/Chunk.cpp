@@ -18,7 +18,6 @@ namespace {
 constexpr double circleEnlargement = 1.05; // of the radius, when asking what reaches the chunk's box
 constexpr double boxMargin = 0.01;         // of the extents, around the circles
 constexpr double wellConditioned = 1e-9;   // least ratio of the doubled area to the sum of its terms
-constexpr std::size_t minBisection = 16;
 
 /// Set of triangles met by a search: open addressing, doubled when half full.
 class VisitedSet {
@@ -184,25 +183,9 @@ Triangle2* Chunk::getStart() const noexcept {
 }
 
 void Chunk::run(FreshTriangles& fresh) {
-    insertBisecting(firstIdx, lastIdx, getStart(), fresh);
-}
-
-/// The order of Dt2::insertRangeSequential.
-Triangle2* Chunk::insertBisecting(std::size_t first, std::size_t last, Triangle2* pHint,
-                                  FreshTriangles& fresh) {
-    if (last - first < minBisection) {
-        for (; first != last; ++first) {
-            pHint = insert(denseVertices[first], pHint, fresh);
-        }
-        return pHint;
-    }
-    const std::size_t middle = first + (last - first) / 2;
-    pHint = insert(denseVertices[middle], pHint, fresh);
-    insertBisecting(first, middle, pHint, fresh);
-    Triangle2* pIncT = denseVertices[middle]->getIncidentTriangle();
-    if (pIncT == nullptr) pIncT = pHint; // a duplicate, or put off
-    KELM_CHECK(pIncT!=NULL);
-    return insertBisecting(middle + 1, last, pIncT, fresh);
+    insertBisecting(
+        firstIdx, lastIdx, getStart(), [&](std::size_t i) { return denseVertices[i]; },
+        [&](Point2* p, Triangle2* pHint) { return insert(p, pHint, fresh); });
 }
 
 Triangle2* Chunk::insert(Point2* p, Triangle2* pHint, FreshTriangles& fresh) {
@@ -221,10 +204,7 @@ Triangle2* Chunk::insert(Point2* p, Triangle2* pHint, FreshTriangles& fresh) {
     }
     Triangle2* pNew0 = fresh.take();
     Triangle2* pNew1 = fresh.take();
-    Triangle2* pKept = edgeIdx < 0 ? inserter.splitTriangle(pT, p, pNew0, pNew1)
-                                   : inserter.splitEdge(pT, p, edgeIdx, pNew0, pNew1);
-    inserter.legalize(p);
-    return pKept;
+    return inserter.insertInside(pT, p, edgeIdx, pNew0, pNew1);
 }
 
 void Chunk::insertPostponed() {

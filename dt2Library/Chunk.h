@@ -70,7 +70,6 @@ public:
 
 private:
     Triangle2* getStart() const noexcept;
-    Triangle2* insertBisecting(std::size_t first, std::size_t last, Triangle2* pHint, FreshTriangles& fresh);
     Triangle2* insert(Point2* p, Triangle2* pHint, FreshTriangles& fresh);
 
     Dt2* pDt;

@@ -36,9 +36,13 @@ Dt2::~Dt2() = default;
 
 // --- single points ----------------------------------------------------------------------------------------
 
-/// To be called when the box has grown. Doubling it keeps this rare: a point inside the doubled box costs
-/// nothing.
-void Dt2::followBoxGrowth() {
+/// To be called before points are inserted, with their box. Doubling the own one keeps it from growing often:
+/// a point inside the doubled box costs nothing.
+void Dt2::coverBox(const Bbox2& added) {
+    extent.add(added.getMinPoint());
+    extent.add(added.getMaxPoint());
+    const bool bGrown = bbox.add(added.getMinPoint());
+    if (!bbox.add(added.getMaxPoint()) && !bGrown) return;
     bbox.doubleTheBox(); // and with it the filter of quorTest
     hilbert = HC2(bbox.get_minX(), bbox.get_minY(), bbox.get_maxX(), bbox.get_maxY(), hilbertBits);
     vertexVault.rekey();
@@ -49,7 +53,9 @@ Point2* Dt2::insertPoint(const Point2& p) {
         printError("Dt2::insert()", "a coordinate is not finite, the point is not inserted");
         return nullptr;
     }
-    if (bbox.add(p)) followBoxGrowth();
+    Bbox2 added;
+    added.add(p);
+    coverBox(added);
     if (!is2D()) {
         if (Point2* pExisting = vertexVault.findWaiting(p)) return pExisting;
     }
@@ -57,14 +63,12 @@ Point2* Dt2::insertPoint(const Point2& p) {
     const std::uint32_t key = hilbert.getIdx(p);
     if (!is2D()) {
         vertexVault.addVertex(key, pVtx);
-        extent.add(p);
         // Vertices that had to wait through a bulk insertion may turn out to be duplicates only now.
         if (startTriangulation(vertexVault.size())) vertexVault.fixDuplicates(nullptr);
         return pVtx;
     }
     Triangle2* pStart = findStart(p);
     vertexVault.addVertex(key, pVtx);
-    extent.add(p);
     pLastFound = insertVertex(pVtx, pStart);
     if (!vertexVault.dupIsClean()) return vertexVault.resolveDuplicate(pVtx);
     vertexVault.sortIfNeeded(true);

@@ -124,7 +124,7 @@ private:
     // --- Dt2.cpp ------------------------------------------------------------------------------------------
 
     bool startTriangulation(std::size_t numPreExistingVtx);
-    void followBoxGrowth();
+    void coverBox(const Bbox2& added);
     Triangle2* takeTriangle();
     Triangle2* createTriangle(Point2* a, Point2* b, Point2* c);
     void recycleTriangle(Triangle2* pT);
@@ -141,10 +141,14 @@ private:
     void releaseTriangles(Triangle2* pFirst, int count);
     void addDuplicate(Point2* pDup, Point2* pExisting) { vertexVault.addDuplicate(pDup, pExisting); }
     const Point2* getFakeCorner() const { return vertexVault.getFakeCorner(0); }
-    bool extendBox(const std::vector<Point2>& v, bool& bGrown);
+    bool extendBox(const std::vector<Point2>& v);
     bool needsFrame(std::size_t n) const noexcept;
     bool createFakeBox();
     void removeFakeBox();
+
+    // --- Dt2_output.cpp -----------------------------------------------------------------------------------
+
+    bool canBeShown() const;
 
     // --- Dt2_location.cpp ---------------------------------------------------------------------------------
 

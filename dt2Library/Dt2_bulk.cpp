@@ -1,8 +1,6 @@
 // Insertion of many points at once: order, start triangles, the frame of far corners, duplicates.
 // One vertex enters the mesh in Dt2_location.cpp; keys and sorting belong to VertexVault.
-//
-// The vertices are inserted in a balanced bisection of their Hilbert order: the middle one first, then the
-// left half, then the right half, so that each starts its walk at a triangle close by.
+// The order within the Hilbert order is made by insertBisecting in MeshInserter.h.
 
 #include "Dt2.h"
 
@@ -18,8 +16,7 @@ namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr std::ptrdiff_t minBisection = 16; // shorter ranges are inserted in order
-constexpr double frameFactor = 1.01;        // size of the frame relative to the box
+constexpr double frameFactor = 1.01; // size of the frame relative to the box
 
 /// Finds the extent of a range of points, and whether all are finite, in one pass.
 struct ExtentTask {
@@ -46,64 +43,40 @@ void reportNotFinite() {
     printError("Dt2::insert()", "a coordinate is not finite, none of the points is inserted");
 }
 
-/// The corner of pT at the place of q, which is known to have one.
-const Point2* cornerAt(const Triangle2* pT, const Point2* q) noexcept {
-    for (int i = 0; i < 2; ++i) {
-        if (*pT->getCorner(i) == *q) return pT->getCorner(i);
-    }
-    return pT->getCorner(2);
-}
-
 } // namespace
 
 void Dt2::insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHandles) {
     if (pvHandles != nullptr) pvHandles->clear();
     if (v.empty()) return;
     KELM_CHECK(vertexVault.dupIsClean());
-    bool bGrown = false;
-    if (!extendBox(v, bGrown)) {
+    if (!extendBox(v)) {
         reportNotFinite();
         if (pvHandles != nullptr) pvHandles->assign(v.size(), nullptr);
         return;
     }
-    if (bGrown) followBoxGrowth();
     const bool bFramed = needsFrame(v.size()) && createFakeBox();
     insertBulk("insert vertices", v.size(), pvHandles,
                [&](std::size_t& firstIdx) { vertexVault.addVertices(v, pvHandles, firstIdx); });
     if (bFramed) removeFakeBox();
 }
 
-/// Extends the box to all points; bGrown tells whether it changed. False, and nothing done, if a coordinate
-/// is not finite.
-bool Dt2::extendBox(const std::vector<Point2>& v, bool& bGrown) {
-    const std::size_t numTasks =
-        numCPU > 1 && v.size() >= VertexVault::minParallel ? static_cast<std::size_t>(numCPU) : 1;
-    const std::size_t share = (v.size() + numTasks - 1) / numTasks;
+/// Extends the box to all points. False, and nothing done, if a coordinate is not finite.
+bool Dt2::extendBox(const std::vector<Point2>& v) {
+    const int numThreads = v.size() >= VertexVault::minParallel ? numCPU : 1;
+    const std::size_t numTasks = std::min(static_cast<std::size_t>(numThreads), v.size());
     std::vector<ExtentTask> vTasks;
-    std::vector<ExtentTask*> vTaskPointers;
-    for (const Point2 *p = v.data(), *pEnd = p + v.size(); p != pEnd;
-         p += std::min<std::ptrdiff_t>(share, pEnd - p)) {
+    for (std::size_t i = 0; i < numTasks; ++i) {
         vTasks.push_back(
-            {p, p + std::min<std::ptrdiff_t>(static_cast<std::ptrdiff_t>(share), pEnd - p), 0, 0, 0, 0, 0});
+            {v.data() + i * v.size() / numTasks, v.data() + (i + 1) * v.size() / numTasks, 0, 0, 0, 0, 0});
     }
-    vTaskPointers.reserve(vTasks.size());
-    for (ExtentTask& task : vTasks) {
-        vTaskPointers.push_back(&task);
-    }
-    if (numTasks == 1) {
-        vTasks.front().run();
-    } else {
-        MTCtrl<ExtentTask>(vTaskPointers.begin(), vTaskPointers.end()).run(&ExtentTask::run, numCPU);
-    }
+    runTasks(vTasks, &ExtentTask::run, numThreads);
+    Bbox2 added;
     for (const ExtentTask& task : vTasks) {
         if (!(task.zero == 0.0)) return false;
+        added.add(Point2(task.minX, task.minY, 0.0));
+        added.add(Point2(task.maxX, task.maxY, 0.0));
     }
-    for (const ExtentTask& task : vTasks) {
-        for (const Point2& corner : {Point2(task.minX, task.minY, 0.0), Point2(task.maxX, task.maxY, 0.0)}) {
-            extent.add(corner);
-            bGrown |= bbox.add(corner);
-        }
-    }
+    coverBox(added);
     return true;
 }
 
@@ -138,8 +111,9 @@ void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandl
         insertVector(v, &vHandles);
     } else {
         KELM_CHECK(vertexVault.dupIsClean());
-        extent.add(static_cast<unsigned>(numPoints), aCoordinates);
-        if (bbox.add(static_cast<unsigned>(numPoints), aCoordinates)) followBoxGrowth();
+        Bbox2 added;
+        added.add(static_cast<unsigned>(numPoints), aCoordinates);
+        coverBox(added);
         insertBulk("insert", n, &vHandles, [&](std::size_t& firstIdx) {
             vertexVault.addVertices(numPoints, aCoordinates, &vHandles, firstIdx);
         });
@@ -199,21 +173,9 @@ void Dt2::releaseTriangles(Triangle2* pFirst, int count) {
 
 void Dt2::insertRangeSequential(VertexVault::EntryIterator first, VertexVault::EntryIterator last,
                                 Triangle2* pHint) {
-    if (last - first < minBisection) {
-        for (; first != last; ++first) {
-            pHint = insertVertex(first->pVtx, pHint);
-        }
-        return;
-    }
-    const VertexVault::EntryIterator middle = first + (last - first) / 2;
-    pHint = insertVertex(middle->pVtx, pHint);
-    // A duplicate has no triangle: the vertex in its place stands for it.
-    const Point2* pVtx = middle->pVtx;
-    if (pVtx->getIncidentTriangle() == nullptr) pVtx = cornerAt(pHint, pVtx);
-    insertRangeSequential(first, middle, pHint);
-    Triangle2* pIncT = pVtx->getIncidentTriangle();
-    KELM_CHECK(pIncT!=NULL);
-    insertRangeSequential(middle + 1, last, pIncT);
+    insertBisecting(
+        0, static_cast<std::size_t>(last - first), pHint, [&](std::size_t i) { return first[i].pVtx; },
+        [&](Point2* pVtx, Triangle2* pStart) { return insertVertex(pVtx, pStart); });
 }
 
 double Dt2::measureTriangulationTime(const std::vector<Point2>& v) const {

@@ -15,12 +15,6 @@ namespace {
 
 const char* const terrainColor = "0.79 0.65 0.09 1"; // the ochre that the page of the web scene uses, too
 
-bool checkDimension(const Dt2& dt) {
-    if (dt.is2D()) return true;
-    printError("Dt2::show()", "The triangulation is not full dimensional yet, no visualization");
-    return false;
-}
-
 void writeAllTriangles(const Dt2& dt, Visualizer3& visualizer, const std::string& color) {
     std::vector<Triangle2*> vTriangles;
     dt.getTrianglePointers(vTriangles);
@@ -30,7 +24,7 @@ void writeAllTriangles(const Dt2& dt, Visualizer3& visualizer, const std::string
 } // namespace
 
 void Dt2::showGeomview(const std::string& filename, const std::string& color) const {
-    if (!checkDimension(*this)) return;
+    if (!canBeShown()) return;
     Visualizer3 visualizer(filename);
     writeAllTriangles(*this, visualizer, color);
 }
@@ -40,7 +34,7 @@ void Dt2::showGeomview(Visualizer3* pVisualizer) const {
         printWarning("Dt2::showGeomview()", "no visualizer given");
         return;
     }
-    if (checkDimension(*this)) writeAllTriangles(*this, *pVisualizer, terrainColor);
+    if (canBeShown()) writeAllTriangles(*this, *pVisualizer, terrainColor);
 }
 
 void Dt2::writeWebScene(const char* path) const {

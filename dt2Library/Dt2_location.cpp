@@ -55,10 +55,7 @@ Triangle2* Dt2::insertVertex(Point2* q, Triangle2* pStart) {
     if (result >= 0) return triangulateCoplanarOrDuplicate(q, pT, result);
     Triangle2* pNew0 = takeTriangle();
     Triangle2* pNew1 = takeTriangle();
-    Triangle2* pKept = edgeIdx < 0 ? inserter.splitTriangle(pT, q, pNew0, pNew1)
-                                   : inserter.splitEdge(pT, q, edgeIdx, pNew0, pNew1);
-    inserter.legalize(q);
-    return pKept;
+    return inserter.insertInside(pT, q, edgeIdx, pNew0, pNew1);
 }
 
 /// Restores the empty circles after the extension of the hull, which creates many triangles at once: in

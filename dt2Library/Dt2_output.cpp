@@ -25,11 +25,15 @@ void append(std::string& text, Number number) {
 
 } // namespace
 
+/// Whether there are triangles to write; an error line if not.
+bool Dt2::canBeShown() const {
+    if (is2D()) return true;
+    printError("Dt2::show()", "The triangulation is not full dimensional yet, no visualization");
+    return false;
+}
+
 void Dt2::writeObj(const std::string& filename) const {
-    if (!is2D()) {
-        printError("Dt2::show()", "The triangulation is not full dimensional yet, no visualization");
-        return;
-    }
+    if (!canBeShown()) return;
     std::vector<Triangle2*> vTriangles;
     getTrianglePointers(vTriangles);
     std::ofstream file(filename);

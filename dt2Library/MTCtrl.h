@@ -3,9 +3,9 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <exception>
 #include <mutex>
-#include <set>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -16,9 +16,9 @@ namespace QUOR_KELM25D {
 template <class T>
 class MTCtrl {
 public:
-    /// Takes the task pointers of a sequence.
+    /// Takes the task pointers of a sequence, each once.
     template <class Iterator>
-    MTCtrl(Iterator first, Iterator last) : sPending(first, last) {}
+    MTCtrl(Iterator first, Iterator last) : vTasks(first, last) {}
     MTCtrl(const MTCtrl&) = delete;
     MTCtrl& operator=(const MTCtrl&) = delete;
 
@@ -26,11 +26,11 @@ public:
     /// done. Where the system gives fewer threads, those do all the work. If a task throws, no further one is
     /// started, and its exception comes out of here.
     void run(void (T::*fn)(), int numThreads) {
-        const std::size_t numTasks = sPending.size(), numWanted = static_cast<std::size_t>(numThreads);
+        const std::size_t numWanted = std::min(vTasks.size(), static_cast<std::size_t>(numThreads));
         std::vector<std::thread> vThreads;
-        vThreads.reserve(std::min(numTasks, numWanted));
+        vThreads.reserve(numWanted);
         try {
-            for (std::size_t i = 1; i < numWanted && i < numTasks; ++i) {
+            while (vThreads.size() + 1 < numWanted) {
                 vThreads.emplace_back(&MTCtrl::worker, this, fn);
             }
         } catch (const std::system_error&) {
@@ -45,36 +45,44 @@ public:
 
 private:
     void worker(void (T::*fn)()) {
-        for (;;) {
-            T* pTask = nullptr;
-            {
-                const std::lock_guard<std::mutex> lock(mtx);
-                if (sPending.empty()) return;
-                pTask = *sPending.begin();
-                sPending.erase(sPending.begin());
-                sStarted.insert(pTask);
-            }
-            std::exception_ptr pThrown;
+        while (T* pTask = takeTask()) {
             try {
                 (pTask->*fn)();
             } catch (...) {
-                pThrown = std::current_exception();
+                const std::lock_guard<std::mutex> lock(mtx);
+                if (!pFailure) pFailure = std::current_exception();
+                numStarted = vTasks.size();
             }
-            const std::lock_guard<std::mutex> lock(mtx);
-            if (pThrown) {
-                if (!pFailure) pFailure = pThrown;
-                sPending.clear();
-            }
-            sDone.insert(pTask);
-            sStarted.erase(pTask);
         }
     }
 
-    std::set<T*> sPending; // not started
-    std::set<T*> sStarted; // being run
-    std::set<T*> sDone;
+    /// The next task, in the order given; null if there is none.
+    T* takeTask() {
+        const std::lock_guard<std::mutex> lock(mtx);
+        return numStarted < vTasks.size() ? vTasks[numStarted++] : nullptr;
+    }
+
+    std::vector<T*> vTasks;
+    std::size_t numStarted = 0;
     std::exception_ptr pFailure; // of the first task that threw
-    std::mutex mtx;              // guards all of this
+    std::mutex mtx;              // guards the two above
 };
+
+/// Runs fn on every element of a sequence: on numThreads threads, or in turn on this one if that is 1.
+template <class T>
+void runTasks(std::vector<T>& vTasks, void (T::*fn)(), int numThreads) {
+    if (numThreads == 1) {
+        for (T& task : vTasks) {
+            (task.*fn)();
+        }
+        return;
+    }
+    std::vector<T*> vPointers;
+    vPointers.reserve(vTasks.size());
+    for (T& task : vTasks) {
+        vPointers.push_back(&task);
+    }
+    MTCtrl<T>(vPointers.begin(), vPointers.end()).run(fn, numThreads);
+}
 
 } // namespace QUOR_KELM25D

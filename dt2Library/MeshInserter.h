@@ -13,10 +13,12 @@
 #pragma once
 
 #include "QuorTest.h"
+#include "messages.h"
 
 #include <kelm25d/Bbox2.h>
 #include <kelm25d/Triangle2.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace QUOR_KELM25D {
@@ -41,6 +43,14 @@ public:
     /// where the mesh is in the cache or the way is long.
     Triangle2* approach(const Point2& q, Triangle2* pT) const noexcept;
 
+    /// Splits at q, which a walk has found INSIDE pT and edgeIdx, with two fresh triangles, and restores the
+    /// empty circles. The result is a triangle near q.
+    Triangle2* insertInside(Triangle2* pT, Point2* q, int edgeIdx, Triangle2* pNew0, Triangle2* pNew1) {
+        Triangle2* pKept =
+            edgeIdx < 0 ? splitTriangle(pT, q, pNew0, pNew1) : splitEdge(pT, q, edgeIdx, pNew0, pNew1);
+        legalize(q);
+        return pKept;
+    }
     /// Splits pT at q, which lies inside, into three: pT and two fresh triangles. The result has q.
     Triangle2* splitTriangle(Triangle2* pT, Point2* q, Triangle2* pT1, Triangle2* pT2);
     /// Splits inner edge edgeIdx of pT at q, which lies on it: two triangles become four. The result has q.
@@ -67,5 +77,27 @@ private:
     std::vector<Triangle2*>
         vFlipStack; // triangles with q as corner 0, to be checked; empty between insertions
 };
+
+/// Inserts vertices first to last of a sequence in Hilbert order: the middle one, then the left half, then
+/// the right half, so that each starts its walk at a triangle close by; short ranges in order. vertexAt(i) is
+/// a vertex, insert(pVtx, pHint) inserts it and gives a triangle near it. So is the result to the last one.
+template <class VertexAt, class Insert>
+Triangle2* insertBisecting(std::size_t first, std::size_t last, Triangle2* pHint, const VertexAt& vertexAt,
+                           const Insert& insert) {
+    constexpr std::size_t minBisection = 16;
+    if (last - first < minBisection) {
+        for (; first != last; ++first) {
+            pHint = insert(vertexAt(first), pHint);
+        }
+        return pHint;
+    }
+    const std::size_t middle = first + (last - first) / 2;
+    pHint = insert(vertexAt(middle), pHint);
+    insertBisecting(first, middle, pHint, vertexAt, insert);
+    Triangle2* pIncT = vertexAt(middle)->getIncidentTriangle();
+    if (pIncT == nullptr) pIncT = pHint; // a duplicate, or put off
+    KELM_CHECK(pIncT!=NULL);
+    return insertBisecting(middle + 1, last, pIncT, vertexAt, insert);
+}
 
 } // namespace QUOR_KELM25D

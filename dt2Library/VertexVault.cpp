@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstring>
 #include <iostream>
-#include <memory>
 
 namespace QUOR_KELM25D {
 
@@ -80,23 +79,6 @@ struct FTask {
     }
 };
 
-/// Runs the tasks on numCPU threads, or here if that is 1.
-template <class T>
-void runAll(std::vector<T>& vTasks, int numCPU) {
-    if (numCPU == 1) {
-        for (T& task : vTasks) {
-            task.run();
-        }
-        return;
-    }
-    std::vector<T*> vTaskPointers;
-    vTaskPointers.reserve(vTasks.size());
-    for (T& task : vTasks) {
-        vTaskPointers.push_back(&task);
-    }
-    MTCtrl<T>(vTaskPointers.begin(), vTaskPointers.end()).run(&T::run, numCPU);
-}
-
 std::uint64_t bitsOf(double v) noexcept {
     v += 0.0; // the two zeros are equal and must hash alike
     std::uint64_t bits;
@@ -163,7 +145,7 @@ void VertexVault::addFrom(const Source& source, std::vector<Point2*>* pvHandles,
         vKeyTasks.push_back(
             {&vKeys, &source, &hilbert, first, std::min(first + share, n), first == 0 ? pvHandles : nullptr});
     }
-    runAll(vKeyTasks, numThreads);
+    runTasks(vKeyTasks, &Task<Source>::run, numThreads);
     sortKeys(vKeys, numThreads);
     refineEqualKeys(
         vKeys, [&](std::uint32_t i) { return source.x(i); }, [&](std::uint32_t i) { return source.y(i); });
@@ -180,7 +162,7 @@ void VertexVault::addFrom(const Source& source, std::vector<Point2*>* pvHandles,
             {&vKeys, &source, pvHandles, vIdxVtxAct.data() + firstIdx, pBlock, position, end});
         position = end;
     }
-    runAll(vFillTasks, numThreads);
+    runTasks(vFillTasks, &FTask<Source>::run, numThreads);
 }
 
 // --- searching --------------------------------------------------------------------------------------------

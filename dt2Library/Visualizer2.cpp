@@ -15,6 +15,7 @@
 #include <cmath>
 #include <iostream>
 #include <locale>
+#include <type_traits>
 
 namespace QUOR_KELM25D {
 
@@ -75,20 +76,6 @@ std::string escaped(const std::string& text) {
 std::string onOneLine(std::string text) {
     std::replace_if(text.begin(), text.end(), isControl, ' ');
     return text;
-}
-
-template <class Object>
-void addEach(Visualizer2& page, const std::vector<Object>& vObjects, const Color& color) {
-    for (const Object& object : vObjects)
-        page.addObject(object, color);
-}
-
-template <class Object>
-void addEach(Visualizer2& page, const std::vector<Object*>& vObjects, const Color& color) {
-    for (const Object* pObject : vObjects) {
-        KELM_CHECK(pObject != nullptr);
-        page.addObject(*pObject, color);
-    }
 }
 
 // The points whose bounds are the bounds of an object.
@@ -180,34 +167,41 @@ void Visualizer2::addObject(const Circle2& circle, const Color& color) {
     vCircles.emplace_back(circle, color);
 }
 
-void Visualizer2::addObject(const std::vector<Point2>& vPoints_, const Color& color) {
+template <class Element>
+void Visualizer2::addEach(const std::vector<Element>& vElements, const Color& color) {
     KELM_CHECK(!bFileClosed);
-    addEach(*this, vPoints_, color);
+    for (const Element& element : vElements) {
+        if constexpr (std::is_pointer_v<Element>) {
+            KELM_CHECK(element != nullptr);
+            addObject(*element, color);
+        } else {
+            addObject(element, color);
+        }
+    }
+}
+
+void Visualizer2::addObject(const std::vector<Point2>& vPoints_, const Color& color) {
+    addEach(vPoints_, color);
 }
 
 void Visualizer2::addObject(const std::vector<Point2*>& vPointers, const Color& color) {
-    KELM_CHECK(!bFileClosed);
-    addEach(*this, vPointers, color);
+    addEach(vPointers, color);
 }
 
 void Visualizer2::addObject(const std::vector<Segment2>& vSegments_, const Color& color) {
-    KELM_CHECK(!bFileClosed);
-    addEach(*this, vSegments_, color);
+    addEach(vSegments_, color);
 }
 
 void Visualizer2::addObject(const std::vector<Edge2>& vEdges, const Color& color) {
-    KELM_CHECK(!bFileClosed);
-    addEach(*this, vEdges, color);
+    addEach(vEdges, color);
 }
 
 void Visualizer2::addObject(const std::vector<Triangle2>& vTriangles_, const Color& color) {
-    KELM_CHECK(!bFileClosed);
-    addEach(*this, vTriangles_, color);
+    addEach(vTriangles_, color);
 }
 
 void Visualizer2::addObject(const std::vector<Triangle2*>& vPointers, const Color& color) {
-    KELM_CHECK(!bFileClosed);
-    addEach(*this, vPointers, color);
+    addEach(vPointers, color);
 }
 
 void Visualizer2::writeFile() {

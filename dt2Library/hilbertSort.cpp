@@ -104,13 +104,11 @@ void sortInFourParts(Record* first, Record* last, GetKey getKey, GoesLeft goesLe
     };
     Record* middle = split(first, last);
     Record* aBound[5] = {first, split(first, middle), middle, split(middle, last), last};
-    std::vector<std::unique_ptr<Task>> vTasks;
-    std::vector<Task*> vTaskPointers;
+    std::vector<Task> vTasks;
     for (int i = 0; i < 4; ++i) {
-        vTasks.emplace_back(new Task{aBound[i], aBound[i + 1]});
-        vTaskPointers.push_back(vTasks.back().get());
+        vTasks.push_back({aBound[i], aBound[i + 1]});
     }
-    MTCtrl<Task>(vTaskPointers.begin(), vTaskPointers.end()).run(&Task::run, 4);
+    runTasks(vTasks, &Task::run, 4);
 }
 
 /// One thread's share of a pass of the radix sort.
@@ -138,34 +136,26 @@ struct RadixTask {
 void radixSortOnThreads(KeyPos* first, std::size_t n, int numCPU) {
     const std::unique_ptr<KeyPos[]> pBuffer(new KeyPos[n]);
     const std::size_t share = n / static_cast<std::size_t>(numCPU);
-    std::vector<std::unique_ptr<RadixTask>> vTasks;
-    std::vector<RadixTask*> vTaskPointers;
-    for (int i = 0; i < numCPU; ++i) {
-        vTasks.emplace_back(new RadixTask);
-        vTaskPointers.push_back(vTasks.back().get());
-    }
-    const auto runAll = [&](void (RadixTask::*fn)()) {
-        MTCtrl<RadixTask>(vTaskPointers.begin(), vTaskPointers.end()).run(fn, numCPU);
-    };
+    std::vector<RadixTask> vTasks(static_cast<std::size_t>(numCPU));
     KeyPos *aFrom = first, *aTo = pBuffer.get();
     for (int pass = 0; pass < numRadixPasses; ++pass) {
         for (std::size_t i = 0; i < vTasks.size(); ++i) {
-            RadixTask& task = *vTasks[i];
+            RadixTask& task = vTasks[i];
             task.first = aFrom + i * share;
             task.last = i + 1 == vTasks.size() ? aFrom + n : task.first + share;
             task.aTo = aTo;
             task.shift = pass * radixBits;
         }
-        runAll(&RadixTask::countDigits);
+        runTasks(vTasks, &RadixTask::countDigits, numCPU);
         std::uint32_t sum = 0;
         for (std::size_t digit = 0; digit < numRadixBuckets; ++digit) {
-            for (const auto& pTask : vTasks) {
-                const std::uint32_t here = pTask->aCount[digit];
-                pTask->aCount[digit] = sum;
+            for (RadixTask& task : vTasks) {
+                const std::uint32_t here = task.aCount[digit];
+                task.aCount[digit] = sum;
                 sum += here;
             }
         }
-        runAll(&RadixTask::scatter);
+        runTasks(vTasks, &RadixTask::scatter, numCPU);
         std::swap(aFrom, aTo);
     }
     if (aFrom != first) std::copy(aFrom, aFrom + n, first);

@@ -90,6 +90,8 @@ private:
     template <class Object>
     using Colored = std::pair<Object, Color>;
 
+    template <class Element>
+    void addEach(const std::vector<Element>& vElements, const Color& color);
     template <class Object>
     std::size_t takeIntoBounds(std::vector<Colored<Object>>& vObjects);
     void computeBounds();
