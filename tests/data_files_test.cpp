@@ -1,19 +1,9 @@
 // Point files: what is written and read, byte by byte, and what damaged input gets.
 // The example terrain is read in the tests of bulk insertion.
-#include "CoutCapture.h"
-#include "ScratchDirectory.h"
+#include "testing.h"
 
-#include <kelm25d/kelm25d.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cfloat>
-#include <cmath>
-#include <fstream>
-#include <random>
 
-using namespace QUOR_KELM25D;
 using namespace std::string_literals;
 
 namespace {

@@ -1,21 +1,9 @@
 // Drawings as PostScript pages, read back command by command.
 // Pictures in space are tested elsewhere.
-#include "CoutCapture.h"
-#include "ScratchDirectory.h"
-#include "pointSets.h"
+#include "testing.h"
 
-#include <kelm25d/KelmException.h>
-#include <kelm25d/Visualizer2.h>
-
-#include <algorithm>
-#include <cmath>
-#include <gtest/gtest.h>
 #include <locale>
-#include <map>
 #include <regex>
-
-using namespace QUOR_KELM25D;
-using namespace QUOR_KELM25D::testing_support;
 
 namespace {
 
@@ -56,8 +44,6 @@ Page readPage(const std::string& name) {
 
 class Drawing : public ::testing::Test {
 protected:
-    bool printed(const std::string& part) { return capture.take().find(part) != std::string::npos; }
-
     const ScratchDirectory directory;
     CoutCapture capture;
 };
@@ -70,7 +56,7 @@ TEST_F(Drawing, ColorNamesCycleWithoutYellowAndWhiteAndUnknownIsBlack) {
         ASSERT_EQ(i % 15, Color::getNextColorName());
     EXPECT_EQ(Color(0.823, 0.705, 0.549, 2, true), Color(CLIGHTBROWN, 2, true));
     EXPECT_EQ(Color(0, 0, 0, 2, true), Color(static_cast<Colorname>(17), 2, true));
-    EXPECT_TRUE(printed("Color::Color, WARNING: Colorname unknown, returning black"));
+    EXPECT_TRUE(capture.printed("Color::Color, WARNING: Colorname unknown, returning black"));
 }
 
 TEST_F(Drawing, EveryMeshFillsTheSquareWithShortPathsOfOnePen) {
@@ -79,7 +65,8 @@ TEST_F(Drawing, EveryMeshFillsTheSquareWithShortPathsOfOnePen) {
         Kelm_2D dt;
         dt.insert(set.points);
         dt.show("mesh.ps", true);
-        EXPECT_EQ(!dt.is2D(), printed("Dt2::show(), ERROR: The triangulation is not 2D, no visualization"));
+        EXPECT_EQ(!dt.is2D(),
+                  capture.printed("Dt2::show(), ERROR: The triangulation is not 2D, no visualization"));
         const Page page = readPage("mesh.ps");
         EXPECT_EQ(std::string::npos, page.order.find(std::string(32, '-')));
         ASSERT_EQ(dt.is2D() ? 2 * (dt.numberOfPoints() + dt.numberOfTriangles() - 1) : 0, page.vXs.size());
@@ -107,7 +94,7 @@ TEST_F(Drawing, ObjectsComeInLayersAndEndMarksOnce) {
         vis.addObject(std::vector<Triangle2*>{&triangle}, filled);
         a = Point2(-99, 0, 0); // the picture has copies
     }
-    EXPECT_TRUE(printed("to complete an unfinished visualization [layers.ps]"));
+    EXPECT_TRUE(capture.printed("to complete an unfinished visualization [layers.ps]"));
     const Page page = readPage("layers.ps");
     // The triangle, segments, three end marks, the circle, two point marks, the label with its mark.
     EXPECT_EQ("|r--fg||r--|B-|r------of||B----(one)\tshow|(two)\tshow|--|.", page.order);
@@ -127,7 +114,7 @@ TEST_F(Drawing, AnyTextAndAnyLocaleGiveAReadablePage) {
     vis.addObject(Point2(12345678.0, 0, 0), Color());
     for (int i = 0; i < 11; ++i)
         vis.addHeaderLine(i == 0 ? std::string(130, '.') : wild);
-    EXPECT_TRUE(printed("WARNING: skipping text [\"" + wild + "\"], maximum number of he"));
+    EXPECT_TRUE(capture.printed("WARNING: skipping text [\"" + wild + "\"], maximum number of he"));
     vis.writeFile();
     std::locale::global(former);
     std::vector<std::string> vTexts(15, "(\\(\\(\\\\\\011\\) %\\015\\\\)\tshow"); // nine lines and the label
@@ -138,7 +125,8 @@ TEST_F(Drawing, AnyTextAndAnyLocaleGiveAReadablePage) {
     vTexts[4] = '(' + std::string(120, '.') + ")\tshow";
     EXPECT_EQ(vTexts, readPage(name).vTexts);
     vis.writeFile();
-    EXPECT_TRUE(printed("Visualizer2::writeFile(), WARNING: No effect. File has already been closed"));
+    EXPECT_TRUE(
+        capture.printed("Visualizer2::writeFile(), WARNING: No effect. File has already been closed"));
     EXPECT_THROW(vis.addHeaderLine("late"), KelmException);
 }
 
@@ -153,7 +141,7 @@ TEST_F(Drawing, PointsWithoutExtentAreCentredAndUnusableObjectsLeftOut) {
         vis.addObject(Circle2(0, 0, -1), color);
         vis.addObject(std::vector<Point2>{{half, -half, 0}, {-half, half, 0}}, color);
         vis.writeFile();
-        EXPECT_TRUE(printed("leaving out objects without finite coordinates: 7"));
+        EXPECT_TRUE(capture.printed("leaving out objects without finite coordinates: 7"));
         const double right = half > 0 ? 530 : 290, left = 580 - right; // marks reach 1 to either side
         EXPECT_EQ((std::vector<double>{right - 1, right + 1, right - 1, right + 1, left - 1, left + 1,
                                        left - 1, left + 1}),

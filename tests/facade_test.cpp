@@ -1,18 +1,6 @@
 // The small operations of the public class, and the mesh as a file.
 // Insertion is tested in insertion_test.cpp and bulk_test.cpp, the version in the consumer's check.
-#include "CoutCapture.h"
-#include "ScratchDirectory.h"
-#include "pointSets.h"
-
-#include <kelm25d/reconstruct.h>
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-
-using namespace QUOR_KELM25D;
-using namespace QUOR_KELM25D::testing_support;
+#include "testing.h"
 
 TEST(Facade, SettingsAndReadersAnswerAsWrittenDown) {
     CoutCapture capture;
@@ -44,8 +32,7 @@ TEST(ObjFile, ReadsBackAsTheSameMesh) {
     const ScratchDirectory directory;
     CoutCapture capture;
     Kelm_2D().writeObj("mesh.obj");
-    EXPECT_NE(std::string::npos,
-              capture.take().find("Dt2::show(), ERROR: The triangulation is not full dimensional yet"));
+    EXPECT_TRUE(capture.printed("Dt2::show(), ERROR: The triangulation is not full dimensional yet"));
     EXPECT_FALSE(std::filesystem::exists("mesh.obj"));
     for (const PointSet& set : makeAllKinds(200)) {
         SCOPED_TRACE(set.name);

@@ -1,20 +1,8 @@
 // Geomview files: the objects that each write operation adds, their numbers, and what bad input gets.
 // The page for the browser is tested in web_scene_test.cpp and in tests/web.
-#include "CoutCapture.h"
-#include "ScratchDirectory.h"
+#include "testing.h"
 
-#include <kelm25d/Kelm_2D.h>
-#include <kelm25d/Visualizer2.h>
-#include <kelm25d/Visualizer3.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <filesystem>
-#include <set>
 #include <sstream>
-
-using namespace QUOR_KELM25D;
 
 // The words of a file with a blank behind each: Geomview knows no other difference.
 static std::string getWords(const std::string& filename) {
@@ -93,7 +81,7 @@ TEST(Geomview, TriangulationIsShownOnceItHasTriangles) {
     CoutCapture captured;
     Kelm_2D dt;
     dt.showGeomview("all.list", "0 1 1 1");
-    EXPECT_NE(captured.take().find("Dt2::show(), ERROR: The triangulation is not full"), std::string::npos);
+    EXPECT_TRUE(captured.printed("Dt2::show(), ERROR: The triangulation is not full"));
     EXPECT_FALSE(std::filesystem::exists("all.list"));
     for (int i = 0; i < 100; ++i)
         dt.insert(Point2(i % 10, i / 10, i));
@@ -112,9 +100,9 @@ TEST(Geomview, NumbersThatAreNotFiniteAndNothingToWriteToAreMetWithWarnings) {
     for (const Point2& p : {Point2(0, 0, std::nan("")), Point2(1, 0, HUGE_VAL), Point2(0, 1, 3)})
         dt.insert(p);
     dt.writeObj("bad.obj");
-    EXPECT_NE(std::string::npos, captured.take().find("2 heights are not finite"));
+    EXPECT_TRUE(captured.printed("2 heights are not finite"));
     dt.showGeomview("bad.list", "0 1 1 1");
-    EXPECT_NE(std::string::npos, captured.take().find("2 numbers are not finite"));
+    EXPECT_TRUE(captured.printed("2 numbers are not finite"));
     for (const std::string& words : {getWords("bad.obj"), getWords("bad.list")})
         EXPECT_TRUE(words.find("nan") == std::string::npos && words.find("inf") == std::string::npos);
     dt.writeWebScene(nullptr);

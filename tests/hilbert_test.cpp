@@ -1,16 +1,7 @@
 // Hilbert keys and the sorts along them.
 // What the vertex store makes of sorted entries is tested in vertex_vault_test.cpp.
-#include "CoutCapture.h"
 #include "hilbertSort.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <vector>
-
-using namespace QUOR_KELM25D;
+#include "testing.h"
 
 namespace {
 
@@ -50,7 +41,7 @@ TEST(HilbertKey, CurveVisitsNeighbouringCellsAndRefinesItself) {
     for (unsigned numBits : {29U, 34U}) {
         CoutCapture capture;
         const HC2 bad(0, 0, 1, 1, numBits);
-        EXPECT_NE(std::string::npos, capture.take().find("HC2::HC2(..), ERROR: invalid bitlength"));
+        EXPECT_TRUE(capture.printed("HC2::HC2(..), ERROR: invalid bitlength"));
     }
 }
 

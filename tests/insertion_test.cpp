@@ -1,16 +1,6 @@
 // Points inserted one by one: every kind of data, flips and the walk.
 // Many points at once are in bulk_test.cpp.
-#include "Dt2.h"
-#include "pointSets.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <map>
-#include <random>
-
-using namespace QUOR_KELM25D;
-using namespace QUOR_KELM25D::testing_support;
+#include "testing.h"
 
 TEST(SingleInsertion, MeshIsValidAfterEachPointOfEachKindInEachOrder) {
     for (PointSet& set : makeAllKinds(64)) {

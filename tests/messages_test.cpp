@@ -1,20 +1,12 @@
 // Message lines, failed checks, progress, the stopwatch.
 // Which operation reports what is tested with the operation.
-#include "CoutCapture.h"
 #include "ProgressPublisher.h"
-#include "ScratchDirectory.h"
 #include "messages.h"
+#include "testing.h"
 
-#include <kelm25d/kelm25d.h>
-
-#include <algorithm>
-#include <fstream>
 #include <functional>
-#include <gtest/gtest.h>
 #include <memory>
 #include <regex>
-
-using namespace QUOR_KELM25D;
 
 namespace {
 

@@ -1,15 +1,7 @@
 // Bulk insertion with several threads: the same mesh as with one, whatever the points and the number of
 // threads. Keys and sorts on threads are tested with the vault and in hilbert_test.cpp.
 
-#include "Dt2.h"
-#include "MeshChecker.h"
-
-#include <cmath>
-#include <gtest/gtest.h>
-#include <random>
-
-using namespace QUOR_KELM25D;
-using namespace QUOR_KELM25D::testing_support;
+#include "testing.h"
 
 namespace {
 

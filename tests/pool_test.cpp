@@ -1,14 +1,10 @@
 // The record pool: growth, stability of records, reset, its messages.
 // The pools inside a triangulation are tested with it.
-#include "CoutCapture.h"
 #include "SimplePool.h"
-
-#include <gtest/gtest.h>
+#include "testing.h"
 
 #include <array>
 #include <numeric>
-
-using namespace QUOR_KELM25D;
 
 // One test asks for more memory than there is; the sanitizers answer as the system does only when told so.
 extern "C" const char* __asan_default_options() {

@@ -1,23 +1,10 @@
 // The geometric predicates against an evaluation by GMP, and the exact constructions.
 // What the triangulation makes of them is tested in insertion_test.cpp.
-#include "CoutCapture.h"
-#include "QuorTest.h"
-#include "ScratchDirectory.h"
 #include "exactSigns.h"
+#include "testing.h"
 
-#include <kelm25d/KelmException.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cfenv>
-#include <cmath>
 #include <gmpxx.h>
-#include <random>
-#include <set>
-#include <vector>
-
-using namespace QUOR_KELM25D;
 
 namespace {
 

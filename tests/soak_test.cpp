@@ -1,16 +1,6 @@
 // Long random sequences of all operations that change a mesh.
 // Each on its own is tested in insertion_test.cpp, bulk_test.cpp and removal_test.cpp.
-#include "Dt2.h"
-#include "pointSets.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <random>
-
-using namespace QUOR_KELM25D;
-using namespace QUOR_KELM25D::testing_support;
+#include "testing.h"
 
 TEST(Soak, RandomOperationsKeepTheMeshValid) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

@@ -1,19 +1,11 @@
 // Points, vectors, segments, edges, boxes, circles and planes as values.
 // The triangle record and the fan iterator are tested in triangle_test.cpp.
-#include "CoutCapture.h"
-#include "QuorTest.h"
+#include "testing.h"
 
-#include <kelm25d/kelm25d.h>
-
-#include <algorithm>
 #include <array>
 #include <cfloat>
-#include <cmath>
-#include <gtest/gtest.h>
-#include <random>
 #include <regex>
 
-using namespace QUOR_KELM25D;
 using testing::PrintToString;
 
 namespace {

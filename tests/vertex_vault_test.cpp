@@ -1,17 +1,7 @@
 // The vertex store on its own, where the triangulation does not show what it does.
 // Duplicates and handles of whole insertions are in bulk_test.cpp.
-#include "CoutCapture.h"
-#include "ScratchDirectory.h"
 #include "VertexVault.h"
-
-#include <kelm25d/KelmException.h>
-
-#include <gtest/gtest.h>
-
-#include <random>
-#include <vector>
-
-using namespace QUOR_KELM25D;
+#include "testing.h"
 
 namespace {
 
@@ -46,7 +36,7 @@ TEST(VertexVault, SearchesPassOverVerticesWithoutTriangleAndFindAllOthers) {
     const ScratchDirectory directory; // for the log
     CoutCapture capture;
     EXPECT_THROW(own.vault.getCloT(0, Point2()), KelmException);
-    EXPECT_NE(std::string::npos, capture.take().find("Vault, ERROR: getCloT() failed"));
+    EXPECT_TRUE(capture.printed("Vault, ERROR: getCloT() failed"));
     for (int first : {2400, 700}) { // in the unsorted part, then in the sorted one
         Point2** v = &own.vVertices[first];
         Triangle2 t;
@@ -56,7 +46,7 @@ TEST(VertexVault, SearchesPassOverVerticesWithoutTriangleAndFindAllOthers) {
         for (Point2* pVtx : {v[0], v[1], v[2]}) {
             own.vault.deactivate(pVtx);
             EXPECT_EQ(2147483647U, own.vault.getIdxOfActiveVtx(pVtx));
-            EXPECT_NE(std::string::npos, capture.take().find("getIdxOfActiveVtx, ERROR: pQuery not found"));
+            EXPECT_TRUE(capture.printed("getIdxOfActiveVtx, ERROR: pQuery not found"));
         }
     }
     own.vault.getVertexPointers(own.vVertices);

@@ -1,17 +1,7 @@
 // The web scene as files: directories, held texts, and the scene of a triangulation.
 // Whether a browser shows it is tested in tests/web.
-#include "CoutCapture.h"
-#include "ScratchDirectory.h"
+#include "testing.h"
 
-#include <kelm25d/Kelm_2D.h>
-#include <kelm25d/webScene.h>
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-
-using namespace QUOR_KELM25D;
 using namespace std::filesystem;
 
 TEST(WebScene, DirectoriesAreMadeUnlessSomethingElseIsThere) {
@@ -35,9 +25,9 @@ TEST(WebScene, TextsAreWrittenOrReported) {
     }
     EXPECT_FALSE(exists("jsc3d.webgl.js"));
     fileReplicate("3d.obj", ".");
-    EXPECT_NE(captured.take().find("fileReplicate, ERROR: unknown file 3d.obj"), std::string::npos);
+    EXPECT_TRUE(captured.printed("fileReplicate, ERROR: unknown file 3d.obj"));
     fileReplicate("index.html", "missing");
-    EXPECT_NE(captured.take().find("WARNING: missing/index.html not writeable"), std::string::npos);
+    EXPECT_TRUE(captured.printed("WARNING: missing/index.html not writeable"));
 
     Kelm_2D dt;
     dt.insert({Point2(0, 0, 1), Point2(4, 0, 2), Point2(0, 4, 3)});
@@ -52,5 +42,5 @@ TEST(WebScene, TextsAreWrittenOrReported) {
     for (const char* name : {"index.html", "jsc3d.js", "jsc3d.ctm.js", "jsc3d.touch.js"})
         EXPECT_TRUE(!exists(name) || file_size(path("web/scene") / name) == file_size(name)) << name;
     dt.writeWebScene("expected.obj");
-    EXPECT_NE(captured.take().find("WARNING: Can't create directory expected.obj"), std::string::npos);
+    EXPECT_TRUE(captured.printed("WARNING: Can't create directory expected.obj"));
 }

@@ -20,6 +20,8 @@ public:
         text.str("");
         return taken;
     }
+    /// Whether that contains a text. Takes it as well.
+    bool printed(const std::string& part) { return take().find(part) != std::string::npos; }
 
 private:
     std::ostringstream text;
