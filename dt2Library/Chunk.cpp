@@ -121,7 +121,7 @@ void FreshTriangles::giveBack() {
 Chunk::Chunk(Dt2* pDt_, const Bbox2& frame_, const DenseVertices& denseVertices_, std::size_t firstIdx_,
              std::size_t lastIdx_, const Point2* pNear_)
     : pDt(pDt_), frame(frame_), denseVertices(denseVertices_), firstIdx(firstIdx_),
-      lastIdx(lastIdx_), aNear{pNear_, pNear_, pNear_}, inserter(quorTest) {
+      lastIdx(lastIdx_), aNear{pNear_, pNear_, pNear_}, inserter(quorTest, pDt_->segmentTable) {
     // The two maxima go in with their sign, deliberately; what they do not cover widens the filter.
     const double asWritten = 1.01 * std::max(frame.get_maxX(), frame.get_maxY());
     quorTest.setRange(

@@ -48,7 +48,7 @@ void Dt2::coverBox(const Bbox2& added) {
     vertexVault.rekey();
 }
 
-Point2* Dt2::insertPoint(const Point2& p) {
+Point2* Dt2::insertPoint(const Point2& p, Triangle2* pNear) {
     if (!std::isfinite(p.x()) || !std::isfinite(p.y())) {
         printError("Dt2::insert()", "a coordinate is not finite, the point is not inserted");
         return nullptr;
@@ -67,7 +67,7 @@ Point2* Dt2::insertPoint(const Point2& p) {
         if (startTriangulation(vertexVault.size())) vertexVault.fixDuplicates(nullptr);
         return pVtx;
     }
-    Triangle2* pStart = findStart(p);
+    Triangle2* pStart = pNear != nullptr ? pNear : findStart(p);
     vertexVault.addVertex(key, pVtx);
     pLastFound = insertVertex(pVtx, pStart);
     if (!vertexVault.dupIsClean()) return vertexVault.resolveDuplicate(pVtx);

@@ -8,10 +8,13 @@
 // Members are grouped under the file that defines them.
 #pragma once
 
+#include "ConstraintMgr.h"
 #include "HC2.h"
+#include "InnerVtxMgr.h"
 #include "MeshInserter.h"
 #include "ProgressPublisher.h"
 #include "QuorTest.h"
+#include "SegmentTable.h"
 #include "SimplePool.h"
 #include "VertexVault.h"
 
@@ -45,7 +48,8 @@ public:
     Dt2(const Dt2&) = delete;
     Dt2& operator=(const Dt2&) = delete;
 
-    Point2* insertPoint(const Point2& p);
+    /// pNear, if known, is a triangle near p.
+    Point2* insertPoint(const Point2& p, Triangle2* pNear = nullptr);
     bool is2D() const noexcept { return vertexVault.isFullDimensional(); }
     unsigned numberOfPoints() const noexcept { return static_cast<unsigned>(vertexVault.numberOfPoints()); }
     unsigned numberOfTriangles() const;
@@ -57,6 +61,11 @@ public:
     void setName(const std::string& name_) { name = name_; }
     void subscribe(MsgType msgType, MsgBase* pReceiver) { progress.subscribe(msgType, pReceiver); }
     void unsubscribe(MsgType msgType, MsgBase* pReceiver) { progress.unsubscribe(msgType, pReceiver); }
+
+    ProgressPublisher& getProgress() noexcept { return progress; }
+    QuorTest& getQuorTest() noexcept { return quorTest; }
+    ConstraintMgr& getConstraintMgr() noexcept { return constraintMgr; }
+    InnerVtxMgr& getInnerVtxMgr() noexcept { return innerVtxMgr; }
 
     // --- Dt2_bulk.cpp: many points at once ----------------------------------------------------------------
 
@@ -76,10 +85,33 @@ public:
     }
     /// See MeshInserter::flip.
     static void flip(Triangle2* pT, int i) { MeshInserter::flip(pT, i); }
-    /// Whether the edge has a neighbour and the two triangles form a strictly convex quadrilateral.
+    /// Whether the edge is no constraint and has a neighbour and the two triangles form a strictly convex
+    /// quadrilateral.
     bool canBeFlipped(const Triangle2* pT, int i);
     /// Restores the Delaunay property around a vertex by flips that spread from its link.
     void legalizeAround(Point2* pVtx);
+
+    // --- Dt2_constraints.cpp: edges by order --------------------------------------------------------------
+
+    ConstraintGraph2* createConstraint(const std::vector<Segment2>& vSegments,
+                                       ConstraintInsertionStrategy cis, bool bOrientedSegments);
+    void applyConstraintsAndZones();
+    bool isConstraint(const Point2* p0, const Point2* p1) const;
+    bool isConstraint(const Triangle2* pT, int ith) const;
+    bool isConstraint(const Point2* pVtx) const;
+    ConstraintSegment2* getConstraintSegment(const Point2* p0, const Point2* p1) const;
+    void getAliveConstraintSegments(std::vector<ConstraintSegment2*>& vSegments) const {
+        constraintMgr.getAliveSegments(vSegments);
+    }
+    void getAliveAndDeadConstraintSegments(std::vector<ConstraintSegment2*>& vSegments) const {
+        constraintMgr.getAllSegments(vSegments);
+    }
+    static Edge2 findEdge(const Point2* a, const Point2* b);
+    /// Inserts an alive segment by force, and all pieces into which that divides it and others.
+    void newCDT_applyOneCS(ConstraintSegment2* pInitialCSeg);
+    void newCDT_legalizeEdge(const Point2* a, const Point2* b);
+    /// One step of conforming insertion: nothing if the segment is an edge, else one division.
+    void insertSegmentConformingDelaunay(ConstraintSegment2* pCSeg);
 
     // --- Dt2_removal.cpp: vertices leave ------------------------------------------------------------------
 
@@ -107,13 +139,15 @@ public:
     bool checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg);
     void statistics(const std::string& s) const;
 
-    // --- Dt2_output.cpp, Dt2_drawing.cpp, Dt2_geomview.cpp: files -----------------------------------------
+    // --- Dt2_output.cpp, Dt2_drawing.cpp, Dt2_geomview.cpp, Dt2_files.cpp: files ---------------------------
 
     void writeObj(const std::string& filename) const;
     void show(Visualizer2* pVisualizer, bool bWithConstraints) const;
     void showGeomview(const std::string& filename, const std::string& color) const;
     void showGeomview(Visualizer3* pVisualizer) const;
     void writeWebScene(const char* path) const;
+    bool save(const char* filename) const;
+    bool load(const char* filename);
 
 private:
     friend class Chunk;
@@ -160,6 +194,30 @@ private:
     void collectHullBackward(const Point2* q, Edge2 edge);
     void collectHullForward(const Point2* q, Edge2 edge);
     void legalizePasses(const Point2* q);
+    bool violatesCircle(const Triangle2* pT, int i);
+    void legalizeEdges(std::vector<Edge2>& vStack);
+
+    // --- Dt2_constraints.cpp ------------------------------------------------------------------------------
+
+    /// Where a segment that is being inserted crosses another one.
+    struct Crossing {
+        Point2 splitPoint;
+        ConstraintSegment2* pCrossingCSeg = nullptr; // alive; null: no crossing
+        Triangle2* pNear = nullptr;                  // a triangle at the crossing
+    };
+    /// An edge of a polygon that is to be triangulated, from pSrc to where the next one begins.
+    struct ChainEdge {
+        Point2* pSrc;
+        Triangle2* pHolder; // one of the triangles being removed: its neighbour idx is the one outside
+        int idx;
+    };
+    void newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSegment2*>& vStack);
+    Point2* newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossing);
+    Point2* newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT, bool& bEdge);
+    void newCDT_replaceCorridor(Point2* pStart, Point2* pStop);
+    Triangle2* newCDT_triangulateSide(std::vector<ChainEdge>& vChain, Point2* pEnd,
+                                      std::vector<Triangle2*>& vNew);
+    void newCDT_legalize(std::vector<Triangle2*>& vNew);
 
     // --- Dt2_removal.cpp ----------------------------------------------------------------------------------
 
@@ -170,6 +228,10 @@ private:
     void cutEarsOff(Point2* pVtx, std::vector<Triangle2*>& vFlipped);
     void dissolveFan(Point2* pVtx);
     void repairDelaunay(std::vector<Triangle2*>& vPass);
+
+    // --- Dt2_validity.cpp ---------------------------------------------------------------------------------
+
+    bool checkConstraints(const std::string& msg) const;
 
     // --- Dt2_queries.cpp ----------------------------------------------------------------------------------
 
@@ -182,7 +244,8 @@ private:
     std::vector<Point2*> vRemovedVertices;                      // their storage stays in the pool
     HC2 hilbert;                                                // over the doubled box
     QuorTest quorTest;                                          // its range covers every vertex
-    MeshInserter inserter{quorTest};
+    SegmentTable segmentTable;                                  // of the segments of constraintMgr
+    MeshInserter inserter{quorTest, segmentTable};
     SimplePool<Triangle2> trianglePool;
     SimplePool<Point2> vertexPool;
     VertexVault vertexVault;
@@ -193,10 +256,16 @@ private:
     std::mutex mtxFreshTriangles;           // guards the pool in createTriangles
     std::string name;
     ProgressPublisher progress;
+    ConstraintMgr constraintMgr{this, segmentTable};
+    InnerVtxMgr innerVtxMgr;
 
     // Scratch of the inner loop, empty between calls.
     std::vector<Triangle2*> vPass, vNextPass;
     std::vector<Edge2> vHullEdges;
+
+    // What a segment crosses on its way in, made anew for each.
+    std::vector<Triangle2*> vCorridor;
+    std::vector<ChainEdge> vLeftChain, vRightChain;
 };
 
 } // namespace QUOR_KELM25D

@@ -82,9 +82,9 @@ bool Dt2::extendBox(const std::vector<Point2>& v) {
 
 /// Whether a bulk insertion of n points goes into the frame of far corners. Short ones do without, since they
 /// run on one thread; but vertices that wait have to go on waiting through a bulk insertion with several
-/// threads.
+/// threads. Workers know nothing of constraints: with those there is one thread.
 bool Dt2::needsFrame(std::size_t n) const noexcept {
-    if (numCPU == 1) return false;
+    if (numCPU == 1 || constraintMgr.hasConstraints()) return false;
     return n >= minParallelInsertion || (!is2D() && vertexVault.size() != 0);
 }
 

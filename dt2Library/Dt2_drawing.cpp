@@ -34,7 +34,7 @@ void sortUnique(std::vector<EdgeEnds>& vEdges) {
 
 // Both sides of an edge are asked, though one would do in a valid mesh: drawings are also made of broken
 // ones.
-void Dt2::show(Visualizer2* pVisualizer, bool /*bWithConstraints*/) const {
+void Dt2::show(Visualizer2* pVisualizer, bool bWithConstraints) const {
     if (pVisualizer == nullptr) {
         printWarning("Dt2::show()", "no visualizer given");
         return;
@@ -45,17 +45,23 @@ void Dt2::show(Visualizer2* pVisualizer, bool /*bWithConstraints*/) const {
     }
     std::vector<Triangle2*> vTriangles;
     getTrianglePointers(vTriangles);
-    std::vector<EdgeEnds> vEdges;
+    std::vector<EdgeEnds> vEdges, vConstraintEdges;
     vEdges.reserve(3 * vTriangles.size());
     for (const Triangle2* pT : vTriangles) {
         for (int i = 0; i < 3; ++i) {
             const Point2* pA = pT->getCorner(incIndexBy1(i));
             const Point2* pB = pT->getCorner(incIndexBy2(i));
-            vEdges.push_back(std::less<const Point2*>()(pA, pB) ? EdgeEnds(pA, pB) : EdgeEnds(pB, pA));
+            std::vector<EdgeEnds>& vOfKind =
+                segmentTable.isConstraintEdge(pA, pB) ? vConstraintEdges : vEdges;
+            vOfKind.push_back(std::less<const Point2*>()(pA, pB) ? EdgeEnds(pA, pB) : EdgeEnds(pB, pA));
         }
     }
     sortUnique(vEdges);
+    sortUnique(vConstraintEdges);
     addEdges(*pVisualizer, vEdges, Color(CBLACK, 0.01F, false));
+    // Without emphasis thinner than the other edges, deliberately.
+    addEdges(*pVisualizer, vConstraintEdges,
+             bWithConstraints ? Color(CRED, 0.5F, false) : Color(CBLACK, 0.001F, false));
 }
 
 } // namespace QUOR_KELM25D

@@ -7,6 +7,7 @@
 
 #include "Dt2.h"
 
+#include "Fan.h"
 #include "messages.h"
 
 #include <algorithm>
@@ -53,9 +54,15 @@ Triangle2* Dt2::insertVertex(Point2* q, Triangle2* pStart) {
     int edgeIdx = -1;
     const int result = inserter.locateFrom(q, pT, edgeIdx);
     if (result >= 0) return triangulateCoplanarOrDuplicate(q, pT, result);
+    ConstraintSegment2* pDivided = edgeIdx >= 0 ? segmentTable.getSegment(pT, edgeIdx) : nullptr;
     Triangle2* pNew0 = takeTriangle();
     Triangle2* pNew1 = takeTriangle();
-    return inserter.insertInside(pT, q, edgeIdx, pNew0, pNew1);
+    Triangle2* pKept = inserter.insertInside(pT, q, edgeIdx, pNew0, pNew1);
+    if (pDivided != nullptr) {
+        const bool bOK = pDivided->split_combinatorialOnly(q);
+        KELM_CHECK(bOK);
+    }
+    return pKept;
 }
 
 /// Restores the empty circles after the extension of the hull, which creates many triangles at once: in
@@ -66,6 +73,7 @@ void Dt2::legalizePasses(const Point2* q) {
         for (Triangle2* pT : vPass) {
             Triangle2* pN = pT->aOppTriangle[0];
             if (pN == nullptr || !inserter.isInsideCircle(pN, q)) continue;
+            if (segmentTable.isConstraintEdge(pT, 0)) continue;
             flip(pT, 0);
             vNextPass.push_back(pT);
             vNextPass.push_back(pN);
@@ -128,6 +136,10 @@ Triangle2* Dt2::splitHullEdge(Triangle2* pT, Point2* q, int edgeIdx) {
     const int next = incIndexBy1(edgeIdx), prev = incIndexBy2(edgeIdx);
     Point2 *a = pT->aCorner[edgeIdx], *b = pT->aCorner[next], *k = pT->aCorner[prev];
     Triangle2 *pOutAB = pT->aOppTriangle[prev], *pOutKA = pT->aOppTriangle[next];
+    if (ConstraintSegment2* pCSeg = segmentTable.getSegment(pT, edgeIdx)) {
+        const bool bOK = pCSeg->split_combinatorialOnly(q);
+        KELM_CHECK(bOK);
+    }
     Triangle2* pTn = createTriangle(q, k, a);
     pT->setPropertiesAndOppT(q, a, b, pOutAB, nullptr, pTn);
     pTn->setPropertiesAndOppT(q, k, a, pOutKA, pT, nullptr);
@@ -176,38 +188,44 @@ Triangle2* Dt2::extendHull(Point2* q, Triangle2* pT, int edgeIdx) {
 
 bool Dt2::canBeFlipped(const Triangle2* pT, int i) {
     const Triangle2* pN = pT->aOppTriangle[i];
-    if (pN == nullptr) return false;
+    if (pN == nullptr || segmentTable.isConstraintEdge(pT, i)) return false;
     const Point2 *a = pT->aCorner[i], *b = pT->aCorner[incIndexBy1(i)], *c = pT->aCorner[incIndexBy2(i)];
     const Point2* d = pN->aCorner[pN->getIntraTriangleIndex(pT)];
     return quorTest.getOrientation2Filtered(a, d, b) == ORIENTATION2_CW &&
            quorTest.getOrientation2Filtered(a, d, c) == ORIENTATION2_CCW;
 }
 
-void Dt2::legalizeAround(Point2* pVtx) {
-    std::vector<Edge2> vStack;
-    const auto pushEdge = [&](Triangle2* pT, int i) {
-        if (pT->aOppTriangle[i] != nullptr) vStack.emplace_back(pT, i);
-    };
-    TriangleAroundVertexIterator it(pVtx), itStart(it);
-    do {
-        if (Triangle2* pT = *it) pushEdge(pT, pT->getIntraTriangleIndex(pVtx));
-        ++it;
-    } while (it != itStart);
+/// Whether the neighbour across edge i, which must exist, has a corner inside the circle of pT and no
+/// constraint excuses that.
+bool Dt2::violatesCircle(const Triangle2* pT, int i) {
+    const Triangle2* pN = pT->aOppTriangle[i];
+    const Point2* d = pN->aCorner[pN->getIntraTriangleIndex(pT)];
+    return quorTest.circleIncFiltered(pT, d) == 1 && !segmentTable.isConstraintEdge(pT, i);
+}
+
+/// Flips the given edges and all that are changed by that until no circle is violated.
+void Dt2::legalizeEdges(std::vector<Edge2>& vStack) {
     while (!vStack.empty()) {
         Triangle2* pFromT = vStack.back().getTriangle();
         const int fromICI = vStack.back().getIndex();
         vStack.pop_back();
         Triangle2* pN = pFromT->aOppTriangle[fromICI];
-        if (pN == nullptr) continue;
-        const Point2* d = pN->aCorner[pN->getIntraTriangleIndex(pFromT)];
-        if (quorTest.circleIncFiltered(pFromT, d) != 1) continue;
+        if (pN == nullptr || !violatesCircle(pFromT, fromICI)) continue;
         KELM_CHECK(canBeFlipped(pFromT,fromICI));
         flip(pFromT, fromICI);
-        pushEdge(pFromT, 0);
-        pushEdge(pFromT, 2);
-        pushEdge(pN, 0);
-        pushEdge(pN, 1);
+        vStack.emplace_back(pFromT, 0);
+        vStack.emplace_back(pFromT, 2);
+        vStack.emplace_back(pN, 0);
+        vStack.emplace_back(pN, 1);
     }
+}
+
+void Dt2::legalizeAround(Point2* pVtx) {
+    std::vector<Edge2> vStack;
+    for (Fan fan(pVtx); fan.getTriangle() != nullptr; fan.advance()) {
+        vStack.emplace_back(fan.getTriangle(), fan.getIndex());
+    }
+    legalizeEdges(vStack);
 }
 
 } // namespace QUOR_KELM25D

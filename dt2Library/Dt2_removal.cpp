@@ -29,6 +29,11 @@ void Dt2::remove(Point2* pVtx) {
         printWarning("Dt2::remove(..)", "pVtx==NULL, illegal, return.");
         return;
     }
+    if (constraintMgr.isConstraintVertex(pVtx)) {
+        printWarning("Dt2::remove()", "Illegal: Can't remove a constraint vertex");
+        std::cerr << *pVtx << std::endl;
+        return;
+    }
     vertexVault.sortIfNeeded(true);
     const bool bOwn = vertexVault.isActive(pVtx); // and not a vertex of another triangulation
     if (bOwn && !is2D()) {
@@ -197,7 +202,7 @@ void Dt2::dissolveFan(Point2* pVtx) {
 }
 
 /// Flips in passes until no edge of the given triangles, or of those flipped on the way, violates the empty
-/// circle.
+/// circle, but for constraints. Around a removed vertex of the hull there may be some, too.
 void Dt2::repairDelaunay(std::vector<Triangle2*>& vCurrent) {
     std::vector<Triangle2*> vNext;
     while (!vCurrent.empty()) {
@@ -205,9 +210,7 @@ void Dt2::repairDelaunay(std::vector<Triangle2*>& vCurrent) {
         for (Triangle2* pT : vCurrent) {
             for (int i = 0; i < 3; ++i) {
                 Triangle2* pN = pT->aOppTriangle[i];
-                if (pN == nullptr) continue;
-                const Point2* d = pN->aCorner[pN->getIntraTriangleIndex(pT)];
-                if (quorTest.circleIncFiltered(pT, d) != 1) continue;
+                if (pN == nullptr || !violatesCircle(pT, i)) continue;
                 flip(pT, i);
                 vNext.push_back(pT);
                 vNext.push_back(pN);

@@ -80,6 +80,27 @@ void drawFailures(const std::vector<std::pair<const Triangle2*, const Point2*>>&
 
 } // namespace
 
+/// Whether all alive constraint segments are edges of the mesh.
+bool Dt2::checkConstraints(const std::string& msg) const {
+    std::vector<ConstraintSegment2*> vAlive, vMissing;
+    constraintMgr.getAliveSegments(vAlive);
+    for (ConstraintSegment2* pCSeg : vAlive) {
+        if (findEdge(pCSeg->getSrc(), pCSeg->getTrg()).getTriangle() == nullptr) vMissing.push_back(pCSeg);
+    }
+    if (vMissing.empty()) return true;
+    std::cout << "\n* ConstraintSegments (alive): " << vAlive.size()
+              << ", contained: " << vAlive.size() - vMissing.size() << ", missing: " << vMissing.size()
+              << std::endl;
+    Visualizer2 visualizer(nextDebugPrefix() + "checkValidityFail_" + msg + ".ps");
+    show(&visualizer, true);
+    visualizer.addObject(vMissing, Color(CBLUE, 0.5F, false));
+    visualizer.writeFile();
+    for (const ConstraintSegment2* pCSeg : vMissing) {
+        std::cout << "Not contained: " << *pCSeg << std::endl;
+    }
+    return false;
+}
+
 bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) {
     printInfo("Kelm_2D::CheckValidity(" + msg + ")", "has been started");
     if (!is2D()) {
@@ -87,6 +108,7 @@ bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) 
                      "not fulldimensional yet (empty or all points collinear), Returning true");
         return true;
     }
+    if (!checkConstraints(msg)) return false;
     std::vector<Triangle2*> vTriangles;
     getTrianglePointers(vTriangles);
     const std::string where = "Kelm_2D::CheckValidity(" + msg + ")";
@@ -100,7 +122,7 @@ bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) 
             if (pN == nullptr) continue;
             const Point2* d = pN->getCorner(pN->getIntraTriangleIndex(pT));
             if (d == nullptr) continue; // out of use, and reported above
-            if (quorTest.circleIncFiltered(pT, d) != 1) continue;
+            if (quorTest.circleIncFiltered(pT, d) != 1 || segmentTable.isConstraintEdge(pT, i)) continue;
             printError(where, "Sphere inclusion test failed ");
             std::cout << *pT << std::endl << *d << std::endl;
             vFailures.emplace_back(pT, d);

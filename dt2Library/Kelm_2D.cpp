@@ -4,6 +4,7 @@
 #include <kelm25d/Kelm_2D.h>
 
 #include "Dt2.h"
+#include "messages.h"
 
 #include <kelm25d/Visualizer2.h>
 
@@ -129,6 +130,48 @@ void Kelm_2D::internal(int a, int b, std::string) {
     }
 }
 
+ConstraintGraph2* Kelm_2D::createConstraint(const std::vector<Segment2>& vSegments,
+                                            ConstraintInsertionStrategy cis, bool bOrientedSegments) {
+    if (vSegments.empty()) {
+        printWarning("Kelm_2D::createConstraint()", "You have not supplied any segments. Returning NULL!");
+        return nullptr;
+    }
+    return pImpl->createConstraint(vSegments, cis, bOrientedSegments);
+}
+
+void Kelm_2D::applyConstraintsAndZones() {
+    if (!is2D()) {
+        printWarning("Kelm2D::applyConstraintsAndZones()",
+                     "The triangulation is not 2D yet, can't apply the constraints");
+        return;
+    }
+    pImpl->applyConstraintsAndZones();
+}
+
+bool Kelm_2D::isConstraint(Point2* p0, Point2* p1) const {
+    return pImpl->isConstraint(p0, p1);
+}
+
+bool Kelm_2D::isConstraint(Triangle2* pT, int ith) const {
+    return pImpl->isConstraint(pT, ith);
+}
+
+bool Kelm_2D::isConstraint(Point2* pVtx) const {
+    return pImpl->isConstraint(pVtx);
+}
+
+ConstraintSegment2* Kelm_2D::getConstraintSegment(Point2* p0, Point2* p1) const {
+    return pImpl->getConstraintSegment(p0, p1);
+}
+
+void Kelm_2D::getAliveConstraintSegments(std::vector<ConstraintSegment2*>& vSegments) const {
+    pImpl->getAliveConstraintSegments(vSegments);
+}
+
+void Kelm_2D::getAliveAndDeadConstraintSegments(std::vector<ConstraintSegment2*>& vSegments) const {
+    pImpl->getAliveAndDeadConstraintSegments(vSegments);
+}
+
 Orientation2 Kelm_2D::getOrientation(const Point2& p0, const Point2& p1, const Point2& p2) const {
     return getOrientation2_mt(&p0, &p1, &p2);
 }
@@ -169,6 +212,14 @@ void Kelm_2D::showGeomview(Visualizer3* pVisualizer) const {
 
 void Kelm_2D::writeWebScene(const char* path) const {
     pImpl->writeWebScene(path);
+}
+
+bool Kelm_2D::save(const char* filename) const {
+    return pImpl->save(filename);
+}
+
+bool Kelm_2D::load(const char* filename) {
+    return pImpl->load(filename);
 }
 
 } // namespace QUOR_KELM25D

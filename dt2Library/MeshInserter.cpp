@@ -34,7 +34,8 @@ bool isAtCorner(const Triangle2* pT, const Point2* q) noexcept {
 
 } // namespace
 
-MeshInserter::MeshInserter(QuorTest& quorTest_) : quorTest(quorTest_) {
+MeshInserter::MeshInserter(QuorTest& quorTest_, const SegmentTable& segmentTable_)
+    : quorTest(quorTest_), segmentTable(segmentTable_) {
     vFlipStack.reserve(flipStackReserve);
 }
 
@@ -186,7 +187,7 @@ void MeshInserter::legalize(const Point2* q) {
     while (!vFlipStack.empty()) {
         Triangle2* pT = vFlipStack.back();
         Triangle2* pN = pT->getOppositeTriangle(0);
-        if (pN == nullptr || !isInsideCircle(pN, q)) {
+        if (pN == nullptr || !isInsideCircle(pN, q) || segmentTable.isConstraintEdge(pT, 0)) {
             vFlipStack.pop_back();
             continue;
         }

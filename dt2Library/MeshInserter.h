@@ -13,6 +13,7 @@
 #pragma once
 
 #include "QuorTest.h"
+#include "SegmentTable.h"
 #include "messages.h"
 
 #include <kelm25d/Bbox2.h>
@@ -28,7 +29,8 @@ public:
     /// Results of a walk besides the indices 0 to 2 of a hull edge.
     enum { INSIDE = -1, AT_CORNER = 4, LEFT_LIMIT = 5 };
 
-    explicit MeshInserter(QuorTest& quorTest_);
+    /// segmentTable_ knows the constrained edges, which are never flipped. Both outlive the inserter.
+    MeshInserter(QuorTest& quorTest_, const SegmentTable& segmentTable_);
     MeshInserter(const MeshInserter&) = delete;
     MeshInserter& operator=(const MeshInserter&) = delete;
 
@@ -74,6 +76,7 @@ public:
 
 private:
     QuorTest& quorTest;
+    const SegmentTable& segmentTable;
     std::vector<Triangle2*>
         vFlipStack; // triangles with q as corner 0, to be checked; empty between insertions
 };

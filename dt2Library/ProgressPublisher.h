@@ -77,4 +77,19 @@ private:
     std::string name; // for diagnosis only
 };
 
+/// Switches a publisher off for nested work, as long as this lives.
+class MuteProgress {
+public:
+    explicit MuteProgress(ProgressPublisher& progress_) : progress(progress_), bBefore(progress.isMuted()) {
+        progress.mute(true);
+    }
+    ~MuteProgress() { progress.mute(bBefore); }
+    MuteProgress(const MuteProgress&) = delete;
+    MuteProgress& operator=(const MuteProgress&) = delete;
+
+private:
+    ProgressPublisher& progress;
+    bool bBefore;
+};
+
 } // namespace QUOR_KELM25D

@@ -132,6 +132,15 @@ inline int QuorTest::circleIncFilter(const Point2* a, const Point2* b, const Poi
 void getIntersection2D(const Point2* p0, const Point2* p1, const Point2* q0, const Point2* q1, double& x,
                        double& y);
 
+/// Crossing of the constraints (c0, c1), which was there first, and (s, t), with a height, for callers that
+/// know the two to cross. An end of one that lies beside the other, closer than 1e-6 to the crossing, is
+/// taken itself. Otherwise the height is that of the first constraint and the custom index is -1. Thread
+/// safe.
+///
+/// A segment that is divided at the result gets pieces that are shorter, or have smaller boxes: so divisions
+/// come to an end whatever the rounding.
+Point2 getIntersection25D(const Point2& c0, const Point2& c1, const Point2& s, const Point2& t);
+
 /// Whether c, which is known to lie near the line of a and b, lies between them: a distance test in the
 /// plane, not a collinearity test.
 bool isOnSegment(const Point2& a, const Point2& b, const Point2& c) noexcept;

@@ -8,6 +8,8 @@
 
 #include "messages.h"
 
+#include <kelm25d/ConstraintSegment2.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cfloat>
@@ -149,6 +151,11 @@ void Visualizer2::addObject(const Edge2& edge, const Color& color) {
     vSegments.emplace_back(Segment2(*edge.getSrc(), *edge.getTrg()), color);
 }
 
+void Visualizer2::addObject(const ConstraintSegment2* pSegment, const Color& color) {
+    KELM_CHECK(pSegment != nullptr);
+    addObject(Segment2(*pSegment->getSrc(), *pSegment->getTrg()), color);
+}
+
 void Visualizer2::addObject(const Triangle2& triangle, const Color& color) {
     KELM_CHECK(!bFileClosed);
     for (int i = 0; i < 3; ++i)
@@ -190,6 +197,12 @@ void Visualizer2::addObject(const std::vector<Point2*>& vPointers, const Color& 
 
 void Visualizer2::addObject(const std::vector<Segment2>& vSegments_, const Color& color) {
     addEach(vSegments_, color);
+}
+
+void Visualizer2::addObject(const std::vector<ConstraintSegment2*>& vPointers, const Color& color) {
+    KELM_CHECK(!bFileClosed);
+    for (const ConstraintSegment2* pSegment : vPointers)
+        addObject(pSegment, color);
 }
 
 void Visualizer2::addObject(const std::vector<Edge2>& vEdges, const Color& color) {

@@ -1,91 +1,25 @@
-// Readers and writers of point files, text and binary.
-// Nothing of a triangulation but its points passes through here.
-#include <kelm25d/Point2.h>
+// Readers and writers of point files, text and binary, and of binary segment files.
+// Files and their bytes are binaryFile.h, whole triangulations Dt2_files.cpp.
 #include <kelm25d/dataFiles.h>
+
+#include "binaryFile.h"
+
+#include <kelm25d/Segment2.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstdint>
-#include <cstring>
 #include <fstream>
-#include <iostream>
-#include <limits>
 #include <locale>
 #include <sstream>
-#include <string>
 
 namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr std::int32_t typeWithHeights = 30;
-constexpr std::int32_t typeWithoutHeights = 20;
-
-// Bytes of a file that are in memory at once, for what is read or written record by record.
-constexpr std::size_t blockSize = std::size_t(1) << 16;
-
-bool failWith(const char* filename, const char* text) {
-    std::cout << filename << text << std::endl;
-    return false;
-}
-
-template <class Bits>
-void appendBits(std::string& buffer, Bits bits) {
-    for (std::size_t i = 0; i < sizeof(Bits); ++i)
-        buffer.push_back(static_cast<char>((bits >> (8 * i)) & 0xff));
-}
-
-void appendInt32(std::string& buffer, std::int32_t value) {
-    appendBits(buffer, static_cast<std::uint32_t>(value));
-}
-
-void appendDouble(std::string& buffer, double value) {
-    std::uint64_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    appendBits(buffer, bits);
-}
-
-template <class Bits>
-Bits getBits(const char* pBytes) {
-    Bits bits = 0;
-    for (std::size_t i = 0; i < sizeof(Bits); ++i)
-        bits |= static_cast<Bits>(static_cast<unsigned char>(pBytes[i])) << (8 * i);
-    return bits;
-}
-
-double getDouble(const char* pBytes) {
-    const std::uint64_t bits = getBits<std::uint64_t>(pBytes);
-    double value;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
-
-// A field that the file is too short for reads as 0.
-std::int32_t readInt32(std::istream& file) {
-    char bytes[4] = {};
-    file.read(bytes, sizeof bytes);
-    return static_cast<std::int32_t>(getBits<std::uint32_t>(bytes));
-}
-
-// Reads up to numPoints records of two or three doubles. The count comes from the file and may be anything,
-// so memory grows with what is read and not with what is announced.
-void readRecords(std::istream& file, std::int32_t numPoints, bool bHeights, std::vector<Point2>& vPoints) {
-    const std::size_t recordSize = bHeights ? 24 : 16;
-    const std::size_t recordsInBlock = blockSize / recordSize;
-    std::string block(recordsInBlock * recordSize, '\0');
-    std::size_t numLeft = static_cast<std::size_t>(numPoints);
-    while (numLeft > 0 && file) {
-        const std::size_t numWanted = std::min(numLeft, recordsInBlock);
-        file.read(&block[0], static_cast<std::streamsize>(numWanted * recordSize));
-        const std::size_t numRead = static_cast<std::size_t>(file.gcount()) / recordSize;
-        for (std::size_t i = 0; i < numRead; ++i) {
-            const char* pRecord = block.data() + i * recordSize;
-            vPoints.emplace_back(getDouble(pRecord), getDouble(pRecord + 8),
-                                 bHeights ? getDouble(pRecord + 16) : 0.0);
-        }
-        numLeft -= numWanted;
-    }
-}
+constexpr std::int32_t typePointsWithHeights = 30;
+constexpr std::int32_t typePointsWithoutHeights = 20;
+constexpr std::int32_t typeSegmentsWithHeights = 31;
+constexpr std::int32_t typeSegmentsWithoutHeights = 21;
 
 // Takes number after number from a text, with the results of stream extraction in the C locale at many times
 // its speed.
@@ -137,7 +71,7 @@ bool readWholeFile(const char* filename, std::string& text) {
     if (!file) return false;
     std::size_t size = 0;
     while (file) {
-        text.resize(std::max(blockSize, 2 * size));
+        text.resize(std::max(fileBlockSize, 2 * size));
         file.read(&text[size], static_cast<std::streamsize>(text.size() - size));
         size += static_cast<std::size_t>(file.gcount());
     }
@@ -157,29 +91,28 @@ bool readText(const char* filename, bool bHeights, std::vector<Point2>& vPoints)
     return true;
 }
 
-void appendNumber(std::string& buffer, double value) {
-    char digits[32]; // sign, 18 digits, point and exponent make 25 at most
+// The number, and the character that ends it.
+void writeNumber(FileWriter& writer, double value, char end) {
+    char text[32]; // sign, 18 digits, point and exponent make 25 at most
     const std::to_chars_result result =
-        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 18);
-    buffer.append(digits, result.ptr);
+        std::to_chars(text, text + sizeof text - 1, value, std::chars_format::general, 18);
+    *result.ptr = end;
+    writer.write(text, static_cast<std::size_t>(result.ptr + 1 - text));
 }
 
-// Opens, writes what append(buffer, point) makes of each point behind the header, and closes.
-template <class Append>
-bool writePoints(const char* filename, std::ios::openmode mode, const std::string& header,
-                 const std::vector<Point2>& vPoints, Append append) {
-    std::ofstream file(filename, mode | std::ios::trunc);
-    std::string buffer = header;
-    for (const Point2& point : vPoints) {
-        append(buffer, point);
-        if (buffer.size() >= blockSize) {
-            file.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-            buffer.clear();
-        }
-    }
-    file.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-    file.close(); // a full disk shows no later than here
-    return file ? true : failWith(filename, " can't be written");
+void writeHeader(FileWriter& writer, std::int32_t type, std::size_t count) {
+    writer.writeInt32(type);
+    writer.writeCount(count);
+    writer.writeInt32(0); // reserved
+}
+
+// What follows the type: the count, the reserved field, and the records, each given to take(pRecord).
+template <class Take>
+bool readList(BinaryReader& reader, std::size_t recordSize, const Take& take) {
+    const std::int32_t count = reader.readInt32();
+    reader.readInt32(); // reserved
+    reader.readRecords(count, recordSize, take);
+    return reader.close();
 }
 
 std::vector<Point2> getCopies(const std::vector<Point2*>& vPoints) {
@@ -201,14 +134,13 @@ bool readXYZ(const char* filename, std::vector<Point2>& vPoints) {
 }
 
 bool writePointsASCII(const char* filename, const std::vector<Point2>& vPoints) {
-    return writePoints(filename, std::ios::out, "", vPoints, [](std::string& buffer, const Point2& point) {
-        appendNumber(buffer, point.x());
-        buffer.push_back(' ');
-        appendNumber(buffer, point.y());
-        buffer.push_back(' ');
-        appendNumber(buffer, point.z());
-        buffer.push_back('\n');
-    });
+    FileWriter writer(filename, std::ios::out);
+    for (const Point2& point : vPoints) {
+        writeNumber(writer, point.x(), ' ');
+        writeNumber(writer, point.y(), ' ');
+        writeNumber(writer, point.z(), '\n');
+    }
+    return writer.close();
 }
 
 bool writePointsASCII(const char* filename, const std::vector<Point2*>& vPoints) {
@@ -216,36 +148,49 @@ bool writePointsASCII(const char* filename, const std::vector<Point2*>& vPoints)
 }
 
 bool readPointsBIN(const char* filename, std::vector<Point2>& vPoints) {
-    std::ifstream file(filename, std::ios::binary);
-    const std::int32_t type = file ? readInt32(file) : 0;
-    if (!file.is_open() || file.bad()) return failWith(filename, " can't be read");
-    if (type != typeWithHeights && type != typeWithoutHeights) {
-        std::cout << filename << " has wrong filetype " << type << ", expected: 30 or 20" << std::endl;
-        return false;
-    }
-    const std::int32_t numPoints = readInt32(file);
-    readInt32(file); // reserved
-    if (numPoints > 0) readRecords(file, numPoints, type == typeWithHeights, vPoints);
-    return true;
+    BinaryReader reader;
+    std::int32_t type;
+    if (!reader.open(filename, type)) return false;
+    if (type != typePointsWithHeights && type != typePointsWithoutHeights)
+        return failWith(filename, " has wrong filetype " + std::to_string(type) + ", expected: 30 or 20");
+    const bool bHeights = type == typePointsWithHeights;
+    return readList(reader, bHeights ? 24 : 16,
+                    [&](const char* pRecord) { vPoints.push_back(getPoint(pRecord, bHeights)); });
 }
 
 bool writePointsBIN(const char* filename, const std::vector<Point2>& vPoints) {
-    if (vPoints.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
-        return failWith(filename, " can't be written");
-    std::string header;
-    appendInt32(header, typeWithHeights);
-    appendInt32(header, static_cast<std::int32_t>(vPoints.size()));
-    appendInt32(header, 0); // reserved
-    return writePoints(filename, std::ios::binary, header, vPoints,
-                       [](std::string& buffer, const Point2& point) {
-                           appendDouble(buffer, point.x());
-                           appendDouble(buffer, point.y());
-                           appendDouble(buffer, point.z());
-                       });
+    FileWriter writer(filename, std::ios::binary);
+    writeHeader(writer, typePointsWithHeights, vPoints.size());
+    for (const Point2& point : vPoints)
+        writer.writePoint(point);
+    return writer.close();
 }
 
 bool writePointsBIN(const char* filename, const std::vector<Point2*>& vPoints) {
     return writePointsBIN(filename, getCopies(vPoints));
+}
+
+bool readSegmentsBIN(const char* filename, std::vector<Segment2>& vSegments) {
+    BinaryReader reader;
+    std::int32_t type;
+    if (!reader.open(filename, type)) return false;
+    if (type != typeSegmentsWithHeights && type != typeSegmentsWithoutHeights) // not the words of the points
+        return failWith(filename, " has wrong file type: " + std::to_string(type) + " instead of 31 or 21");
+    const bool bHeights = type == typeSegmentsWithHeights;
+    const std::size_t pointSize = bHeights ? 24 : 16;
+    return readList(reader, 2 * pointSize, [&](const char* pRecord) {
+        vSegments.emplace_back(getPoint(pRecord, bHeights), getPoint(pRecord + pointSize, bHeights));
+    });
+}
+
+bool writeSegmentsBIN(const char* filename, const std::vector<Segment2>& vSegments) {
+    FileWriter writer(filename, std::ios::binary);
+    writeHeader(writer, typeSegmentsWithHeights, vSegments.size());
+    for (const Segment2& segment : vSegments) {
+        writer.writePoint(segment.getSrc());
+        writer.writePoint(segment.getTrg());
+    }
+    return writer.close();
 }
 
 } // namespace QUOR_KELM25D

@@ -3,6 +3,8 @@
 
 #include "QuorTest.h"
 
+#include "footPoint.h"
+
 #include <kelm25d/Bbox2.h>
 
 #include <cmath>
@@ -16,6 +18,7 @@ constexpr double minRun = 1e-50;           // a smaller |dx| counts as a vertica
 constexpr double verticalSlope = 100000.0; // the slope that stands for it
 constexpr double steepSlope = 1000.0;
 constexpr double minSlopeDifference = 0.01;
+constexpr double sqSnapDistance = 1e-12; // of a crossing and an end
 
 double squaredDistance2D(const Point2& a, const Point2& b) noexcept {
     const double dx = a.x() - b.x(), dy = a.y() - b.y();
@@ -64,6 +67,20 @@ Point2 intersectExactly(const Point2* const (&aEnd)[4]) {
     return Point2(x, y, 0.0);
 }
 
+bool isInBox(const Point2& a, const Point2& b, const Point2& c) noexcept {
+    return c.x() >= std::fmin(a.x(), b.x()) && c.x() <= std::fmax(a.x(), b.x()) &&
+           c.y() >= std::fmin(a.y(), b.y()) && c.y() <= std::fmax(a.y(), b.y());
+}
+
+/// Whether dividing the segment at c, unless that is an end, gives shorter pieces or ones with smaller boxes.
+/// Lengths as they are computed never grow along such divisions, and boxes shrink while lengths stay: no
+/// segment can come to contain itself.
+bool isProgress(const Point2& a, const Point2& b, const Point2& c) noexcept {
+    if (isInBox(a, b, c)) return true;
+    const double length = squaredDistance2D(a, b);
+    return squaredDistance2D(a, c) < length && squaredDistance2D(b, c) < length;
+}
+
 } // namespace
 
 bool isOnSegment(const Point2& a, const Point2& b, const Point2& c) noexcept {
@@ -98,6 +115,35 @@ void getIntersection2D(const Point2* p0, const Point2* p1, const Point2* q0, con
         }
     }
     result.xy(x, y);
+}
+
+Point2 getIntersection25D(const Point2& c0, const Point2& c1, const Point2& s, const Point2& t) {
+    const auto isGood = [&](const Point2& c) { return isProgress(c0, c1, c) && isProgress(s, t, c); };
+    double x = 0.0, y = 0.0;
+    getIntersection2D(&c0, &c1, &s, &t, x, y);
+    Point2 crossing(x, y, 0.0);
+    const Point2* pNearest = nullptr;
+    double nearest = sqSnapDistance;
+    const auto tryEnd = [&](const Point2& end, const Point2& a, const Point2& b) {
+        const double distance = squaredDistance2D(end, crossing);
+        if (distance < nearest && isOnSegment(a, b, end) && isGood(end)) {
+            nearest = distance;
+            pNearest = &end;
+        }
+    };
+    tryEnd(c0, s, t);
+    tryEnd(c1, s, t);
+    tryEnd(s, c0, c1);
+    tryEnd(t, c0, c1);
+    if (pNearest != nullptr) return *pNearest;
+
+    if (!isGood(crossing)) {
+        // Rounded once from the exact place, which lies in both boxes, the crossing does so too.
+        const Point2* const aEnd[4] = {&c0, &c1, &s, &t};
+        crossing = intersectExactly(aEnd);
+    }
+    crossing.setZ(heightOnSegment(c0, c1, crossing.x(), crossing.y()));
+    return crossing;
 }
 
 } // namespace QUOR_KELM25D

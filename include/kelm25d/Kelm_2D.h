@@ -4,6 +4,7 @@
 #pragma once
 
 #include <kelm25d/Bbox2.h>
+#include <kelm25d/ConstraintInsertionStrategy.h>
 #include <kelm25d/MsgBase.h>
 #include <kelm25d/Orientation2.h>
 #include <kelm25d/Point2.h>
@@ -16,6 +17,8 @@
 
 namespace QUOR_KELM25D {
 
+class ConstraintGraph2;
+class ConstraintSegment2;
 class Dt2;
 class Visualizer2;
 class Visualizer3;
@@ -160,6 +163,46 @@ public:
     /// output.
     void internal(int a, int b, std::string s);
 
+    /// Makes segments part of the triangulation: its edges follow them from now on.
+    ///
+    /// The ends become vertices. Where a segment runs through a vertex or crosses another constraint, both
+    /// are divided, at a new vertex if need be, whose coordinates are rounded; a crossing closer than 1e-6 to
+    /// an end takes that end. Degenerate segments are left out, those between the same places are one
+    /// constraint, and segments that were constraints before keep their strategy. Before is2D() the segments
+    /// wait, as conforming ones may, for applyConstraintsAndZones. Points that are inserted later divide the
+    /// constraints on which they lie, and vertices of constraints can't be removed.
+    /// @param vSegments in any order, ends in the frame of the points; empty gives a warning
+    /// @param cis the way of insertion
+    /// @param bOrientedSegments whether the direction of each segment means something
+    /// @return the group of these segments, which belongs to the triangulation; null if vSegments is empty
+    /// or, after an error line, if a coordinate is not finite
+    ///
+    /// Expected cost: insertion of the ends, then linear in the edges that the segments cross. Anglada, "An
+    /// improved incremental algorithm for constructing restricted Delaunay triangulations" (1997).
+    ConstraintGraph2* createConstraint(const std::vector<Segment2>& vSegments,
+                                       ConstraintInsertionStrategy cis, bool bOrientedSegments = false);
+
+    /// Inserts all constraint segments that wait: those made before is2D() and pieces of conforming ones.
+    /// Conforming segments are divided until all pieces are edges, which needs up to 499 rounds; where
+    /// double precision does not allow that, warnings tell so and the pieces stay alive without being edges.
+    /// Before is2D() a warning, and nothing happens.
+    void applyConstraintsAndZones();
+
+    /// Whether an alive constraint segment joins two vertices. Constant time, as the next three; null gives
+    /// false or null.
+    bool isConstraint(Point2* p0, Point2* p1) const;
+    /// Whether edge ith of a triangle, opposite its corner ith, is an alive constraint segment. False for an
+    /// index that is not 0, 1 or 2.
+    bool isConstraint(Triangle2* pT, int ith) const;
+    /// Whether a vertex is the end of a constraint segment, alive or dead.
+    bool isConstraint(Point2* pVtx) const;
+    /// The alive constraint segment that joins two vertices; null if there is none.
+    ConstraintSegment2* getConstraintSegment(Point2* p0, Point2* p1) const;
+    /// Appends all alive constraint segments, by the addresses of their ends.
+    void getAliveConstraintSegments(std::vector<ConstraintSegment2*>& vSegments) const;
+    /// Appends all constraint segments that ever were, by the addresses of their ends.
+    void getAliveAndDeadConstraintSegments(std::vector<ConstraintSegment2*>& vSegments) const;
+
     /// Orientation of three points in the xy plane, exact and safe on several threads; see
     /// getOrientation2_mt.
     Orientation2 getOrientation(const Point2& p0, const Point2& p1, const Point2& p2) const;
@@ -207,6 +250,18 @@ public:
     /// hold gives an error line, and page and mesh are written. Browsers read no mesh from a file address:
     /// serve the directory, for example by `python3 -m http.server` in it.
     void writeWebScene(const char* path) const;
+
+    /// Writes vertices and alive constraint segments to a binary file, replacing it; see dataFiles.h for the
+    /// format. Triangles, zones, graphs, directions and custom indices are not stored.
+    /// @return false, with the line "FILENAME can't be written", if the file can't be written
+    bool save(const char* filename) const;
+
+    /// Reads a file that save() has written, into this triangulation: all points are inserted, and the
+    /// segments become one group of constraints with CIS_CONSTRAINED_DELAUNAY. What was there stays. Of a
+    /// file that is shorter than its own counts the complete records are read.
+    /// @return false if the file can't be read ("FILENAME can't be read") or is of another type ("FILENAME
+    /// should have type 301 but has TYPE")
+    bool load(const char* filename);
 
     /// The implementation, for the library's own classes.
     Dt2* getImpl() const noexcept { return pImpl; }

@@ -20,6 +20,8 @@
 
 namespace QUOR_KELM25D {
 
+class ConstraintSegment2;
+
 /// One page of A4 with a picture of everything that was added, seen from above.
 ///
 /// Objects are added in any order, and writeFile draws them: triangles first, then segments, the end marks of
@@ -59,6 +61,8 @@ public:
     /// Adds the segment between the ends of an edge. Null as its triangle or as a corner of it, or an index
     /// that is not 0, 1 or 2, fails a check and throws.
     void addObject(const Edge2& edge, const Color& color);
+    /// Adds the segment between the ends of a constraint segment. Null fails a check and throws.
+    void addObject(const ConstraintSegment2* pSegment, const Color& color);
     /// Adds a triangle, filled and with a gray outline if color.bFill is set. The corners are copied; a null
     /// corner fails a check and throws.
     void addObject(const Triangle2& triangle, const Color& color);
@@ -74,6 +78,8 @@ public:
     void addObject(const std::vector<Point2*>& vPointers, const Color& color);
     /// Adds each element, in order; an empty sequence adds nothing.
     void addObject(const std::vector<Segment2>& vSegments_, const Color& color);
+    /// Adds each element, in order. A null pointer fails a check and throws; those before it are added then.
+    void addObject(const std::vector<ConstraintSegment2*>& vPointers, const Color& color);
     /// Adds each element, in order; an empty sequence adds nothing.
     void addObject(const std::vector<Edge2>& vEdges, const Color& color);
     /// Adds each element, in order; an empty sequence adds nothing.

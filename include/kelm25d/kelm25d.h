@@ -6,6 +6,9 @@
 #include <kelm25d/Bbox2.h>
 #include <kelm25d/Circle2.h>
 #include <kelm25d/Color.h>
+#include <kelm25d/ConstraintGraph2.h>
+#include <kelm25d/ConstraintInsertionStrategy.h>
+#include <kelm25d/ConstraintSegment2.h>
 #include <kelm25d/Edge2.h>
 #include <kelm25d/KelmException.h>
 #include <kelm25d/Kelm_2D.h>

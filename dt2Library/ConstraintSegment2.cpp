@@ -1,0 +1,183 @@
+// The tree of splits of a constraint segment: owners, leaves, and the division at a vertex.
+// How a segment's edge enters the mesh is in Dt2_constraints.cpp.
+
+#include <kelm25d/ConstraintSegment2.h>
+
+#include "Dt2.h"
+#include "InnerVtxMgr.h"
+#include "messages.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <ostream>
+#include <unordered_set>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+int nextLabel = 0; // one counter for all triangulations, never reset and not guarded, deliberately
+
+bool isLowerGraph(const ConstraintGraph2* a, const ConstraintGraph2* b) noexcept {
+    return std::less<const ConstraintGraph2*>()(a, b);
+}
+
+} // namespace
+
+ConstraintSegment2::ConstraintSegment2(Point2* p0_, Point2* p1_, ConstraintInsertionStrategy cis_)
+    : label(nextLabel++), cis(cis_), p0(p0_), p1(p1_) {
+    KELM_CHECK(p0<p1);
+}
+
+Dt2* ConstraintSegment2::getDt2() const noexcept {
+    return sOwners.front().pGraph->getDt2();
+}
+
+// --- owners -----------------------------------------------------------------------------------------------
+
+const ConstraintSegment2::Owner*
+ConstraintSegment2::findOwner(const ConstraintGraph2* pGraph) const noexcept {
+    const auto it = std::lower_bound(
+        sOwners.begin(), sOwners.end(), pGraph,
+        [](const Owner& owner, const ConstraintGraph2* p) { return isLowerGraph(owner.pGraph, p); });
+    return it != sOwners.end() && it->pGraph == pGraph ? &*it : nullptr;
+}
+
+/// A graph that takes over a dead segment owns its whole subtree.
+void ConstraintSegment2::addOwnerRec(ConstraintGraph2* pGraph) {
+    std::vector<ConstraintSegment2*> vStack = {this};
+    while (!vStack.empty()) {
+        ConstraintSegment2* pSegment = vStack.back();
+        vStack.pop_back();
+        if (pSegment->findOwner(pGraph) != nullptr) continue; // and so is what is below it
+        std::vector<Owner>& sOthers = pSegment->sOwners;
+        const auto it = std::upper_bound(
+            sOthers.begin(), sOthers.end(), pGraph,
+            [](const ConstraintGraph2* p, const Owner& owner) { return isLowerGraph(p, owner.pGraph); });
+        sOthers.insert(it, Owner{pGraph, false, false});
+        if (pSegment->aChild[0] == nullptr) continue;
+        vStack.push_back(pSegment->aChild[0]);
+        vStack.push_back(pSegment->aChild[1]);
+    }
+}
+
+// --- the tree ---------------------------------------------------------------------------------------------
+
+void ConstraintSegment2::getChildrenRec(std::vector<ConstraintSegment2*>& vChildrenOut) const {
+    if (aChild[0] == nullptr) checkFailed("vChildren.size()==2", __FILE__, __LINE__);
+    std::vector<ConstraintSegment2*> vStack = {aChild[1], aChild[0]};
+    while (!vStack.empty()) {
+        ConstraintSegment2* pSegment = vStack.back();
+        vStack.pop_back();
+        if (pSegment->isAlive()) {
+            vChildrenOut.push_back(pSegment);
+        } else if (pSegment->aChild[0] != nullptr) {
+            vStack.push_back(pSegment->aChild[1]);
+            vStack.push_back(pSegment->aChild[0]);
+        }
+    }
+}
+
+void ConstraintSegment2::getChildrenAndSplitPoint(ConstraintSegment2*& pKid0, ConstraintSegment2*& pKid1,
+                                                  Point2*& pSplit) const {
+    if (aChild[0] == nullptr) {
+        printWarning("ConstraintSegment2::getChildrenAndSplitPoint()", "*this is still alive!");
+        return;
+    }
+    pKid0 = aChild[0];
+    pKid1 = aChild[1];
+    pSplit = pKid1->hasEnd(pKid0->p0) ? pKid0->p0 : pKid1->hasEnd(pKid0->p1) ? pKid0->p1 : nullptr;
+}
+
+/// Whether this segment is pRoot or stands in the tree below it.
+bool ConstraintSegment2::isBelow(const ConstraintSegment2* pRoot) const {
+    std::unordered_set<const ConstraintSegment2*> sVisited;
+    std::vector<const ConstraintSegment2*> vStack = {pRoot};
+    while (!vStack.empty()) {
+        const ConstraintSegment2* pSegment = vStack.back();
+        vStack.pop_back();
+        if (pSegment == this) return true;
+        if (pSegment->aChild[0] == nullptr || !sVisited.insert(pSegment).second) continue;
+        vStack.push_back(pSegment->aChild[0]);
+        vStack.push_back(pSegment->aChild[1]);
+    }
+    return false;
+}
+
+// --- division ---------------------------------------------------------------------------------------------
+
+/// Makes the two pieces to pSplit the children. False, and nothing changed, if one of them contains this
+/// segment: a bent constraint that runs back over itself would never come to an end.
+bool ConstraintSegment2::divide(Point2* pSplit) {
+    ConstraintMgr& mgr = getDt2()->getConstraintMgr();
+    for (Point2* pEnd : {p0, p1}) {
+        const ConstraintSegment2* pExisting = mgr.findSegment(pEnd, pSplit);
+        if (pExisting != nullptr && pExisting->aChild[0] != nullptr && isBelow(pExisting)) {
+            printError("ConstraintSegment2", "a piece would contain the segment, it is not divided");
+            return false;
+        }
+    }
+    aChild[0] = mgr.getSegment(p0, pSplit, cis);
+    aChild[1] = mgr.getSegment(p1, pSplit, cis);
+    for (const Owner& owner : sOwners) {
+        aChild[0]->addOwnerRec(owner.pGraph);
+        aChild[1]->addOwnerRec(owner.pGraph);
+        owner.pGraph->fillChildFlags(this);
+    }
+    return true;
+}
+
+bool ConstraintSegment2::split_combinatorialOnly(Point2* pSplit) {
+    KELM_CHECK(pSplit!=0);
+    KELM_CHECK(isAlive());
+    KELM_CHECK(p0!=pSplit && p1!=pSplit);
+    KELM_CHECK(!sOwners.empty());
+    return divide(pSplit);
+}
+
+Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {
+    KELM_CHECK(bAlive);
+    if (aChild[0] != nullptr) checkFailed("vChildren.empty()", __FILE__, __LINE__);
+    KELM_CHECK(!sOwners.empty());
+    Dt2* pOwnerDt = getDt2();
+    KELM_CHECK(pOwnerDt!=0);
+    bAlive = false; // the edge counts as none while the point enters, and may be divided or flipped
+    Point2* pSplit = pOwnerDt->insertPoint(point, p0->getIncidentTriangle());
+    if (pSplit == nullptr || hasEnd(pSplit) || !divide(pSplit)) {
+        bAlive = true;
+        return pSplit != nullptr && hasEnd(pSplit) ? pSplit : nullptr;
+    }
+    if (!pOwnerDt->is2D()) return pSplit;
+    pOwnerDt->newCDT_legalizeEdge(p0, p1); // it may still be there, if the point lies off it
+    for (ConstraintSegment2* pChild : aChild) {
+        pOwnerDt->getConstraintMgr().applyOne(pChild);
+    }
+    pOwnerDt->legalizeAround(pSplit);
+    return pSplit;
+}
+
+bool ConstraintSegment2::splitAndRemovePrev(const Point2& point) {
+    const Point2* pNew = insertAndSplit(point);
+    if (pNew == nullptr) return false;
+    const double dx = pNew->x() - p0->x(), dy = pNew->y() - p0->y();
+    Dt2* pDt = getDt2();
+    pDt->getInnerVtxMgr().removeNear(*pNew, dx * dx + dy * dy, pDt);
+    return true;
+}
+
+std::ostream& operator<<(std::ostream& stream, const ConstraintSegment2& segment) {
+    stream << "ConstraintSegment2 label " << segment.label << ", " << &segment << ": (" << segment.p0 << ","
+           << segment.p1 << ")\n";
+    if (segment.isAlive()) {
+        stream << " [alive]\n";
+    } else {
+        stream << " [DEAD, numChildren=" << (segment.aChild[0] != nullptr ? 2 : 0) << "]\n";
+    }
+    return stream << *segment.p0 << '\n'
+                  << *segment.p1 << '\n'
+                  << "length="
+                  << std::hypot(segment.p0->x() - segment.p1->x(), segment.p0->y() - segment.p1->y());
+}
+
+} // namespace QUOR_KELM25D

@@ -1,0 +1,344 @@
+// How one constraint segment enters the mesh, by force or by new vertices, and what the facade asks about
+// constraints.
+// Which segments there are, and when each is inserted, is decided in ConstraintMgr.cpp; how they are divided
+// in ConstraintSegment2.cpp.
+//
+// Constrained insertion walks along the segment from triangle to triangle. If the walk reaches the other end,
+// the triangles on its way are removed and the two polygons left and right of the segment are triangulated by
+// cutting ears, which every pass finds: each vertex of such a polygon sees the segment. Then flips restore
+// the empty circles everywhere but across constraints (Anglada, "An improved incremental algorithm for
+// constructing restricted Delaunay triangulations", 1997, with ears instead of a recursion).
+//
+// If the walk meets a vertex on the segment, the segment is divided there and the pieces are treated in its
+// place. If it meets another constraint, both are divided at one new vertex. Its place is rounded, so all
+// pieces are treated again: whatever they meet on their slightly different ways is resolved by the same
+// rules. Every decision on the way is exact, and getIntersection25D sees to it that this comes to an end.
+//
+// Conforming insertion adds the middle of a segment as a vertex and leaves the halves to the next round
+// (ConstraintMgr::apply).
+
+#include "Dt2.h"
+
+#include "Fan.h"
+#include "centerWithShift.h"
+#include "messages.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr double minUlps = 10.0; // a piece of less extent can't be halved
+constexpr double epsilon = 2.220446049250313e-16;
+
+} // namespace
+
+// --- the facade's questions -------------------------------------------------------------------------------
+
+ConstraintGraph2* Dt2::createConstraint(const std::vector<Segment2>& vSegments,
+                                        ConstraintInsertionStrategy cis, bool bOrientedSegments) {
+    if (vSegments.empty()) {
+        printWarning("Dt2::createConstraint(..)", "vSegments is empty, returning NULL");
+        return nullptr;
+    }
+    return bOrientedSegments ? constraintMgr.createOrientedConstraint(vSegments, cis)
+                             : constraintMgr.createConstraint(vSegments, cis);
+}
+
+void Dt2::applyConstraintsAndZones() {
+    if (!is2D()) {
+        printWarning("Dt2::applyConstraintsAndZones()",
+                     "The triangulation is not full dimensional yet. Nothing to do");
+        return;
+    }
+    constraintMgr.apply();
+}
+
+bool Dt2::isConstraint(const Point2* p0, const Point2* p1) const {
+    return p0 != nullptr && p1 != nullptr && constraintMgr.isConstraintEdge(p0, p1);
+}
+
+bool Dt2::isConstraint(const Triangle2* pT, int ith) const {
+    if (pT == nullptr || ith < 0 || ith > 2) return false;
+    return isConstraint(pT->getCorner(incIndexBy1(ith)), pT->getCorner(incIndexBy2(ith)));
+}
+
+bool Dt2::isConstraint(const Point2* pVtx) const {
+    return pVtx != nullptr && constraintMgr.isConstraintVertex(pVtx);
+}
+
+ConstraintSegment2* Dt2::getConstraintSegment(const Point2* p0, const Point2* p1) const {
+    return p0 != nullptr && p1 != nullptr ? constraintMgr.getAliveSegment(p0, p1) : nullptr;
+}
+
+/// The edge between two vertices, from a to b if there is a triangle on the left, else from b to a; no edge
+/// if there is none. Linear in the smaller number of neighbours.
+Edge2 Dt2::findEdge(const Point2* a, const Point2* b) {
+    Fan fanA(a), fanB(b);
+    for (;;) {
+        for (Fan* pFan : {&fanA, &fanB}) {
+            Triangle2* pT = pFan->getTriangle();
+            if (pT == nullptr) return Edge2();
+            const int i = pFan->getIndex();
+            const Point2* pOther = pFan == &fanA ? b : a;
+            const bool bOut = pT->getCorner(incIndexBy1(i)) == pOther;
+            if (bOut || pT->getCorner(incIndexBy2(i)) == pOther) {
+                const int edgeIdx = bOut ? incIndexBy2(i) : incIndexBy1(i);
+                Triangle2* pN = pT->getOppositeTriangle(edgeIdx);
+                if (bOut == (pFan == &fanA) || pN == nullptr) return Edge2(pT, edgeIdx);
+                return Edge2(pN, pN->getIntraTriangleIndex(pT));
+            }
+            pFan->advance();
+        }
+    }
+}
+
+// --- constrained insertion --------------------------------------------------------------------------------
+
+void Dt2::newCDT_applyOneCS(ConstraintSegment2* pInitialCSeg) {
+    KELM_CHECK(pInitialCSeg->getCIS()==CIS_CONSTRAINED_DELAUNAY);
+    KELM_CHECK(pInitialCSeg->isAlive());
+    std::vector<ConstraintSegment2*> vStack = {pInitialCSeg};
+    while (!vStack.empty()) {
+        ConstraintSegment2* pCSeg = vStack.back();
+        vStack.pop_back();
+        if (pCSeg->isAlive()) {
+            newCDT_treatOneCS(pCSeg, vStack);
+        } else {
+            pCSeg->getChildrenRec(vStack);
+        }
+    }
+}
+
+/// Inserts a segment, or divides it at the first thing it meets; what is left to do goes to the stack.
+void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSegment2*>& vStack) {
+    const auto splitAt = [&](ConstraintSegment2* pDivided, Point2* pSplit) {
+        const bool bOK = pDivided->split_combinatorialOnly(pSplit);
+        if (bOK) {
+            pDivided->getChildrenRec(vStack);
+        } else {
+            printWarning("Dt2::treatConstraintZone()", // "numerica" is misspelled deliberately
+                         "intersection point of two constraints has bad numerica accuracy!");
+        }
+        return bOK;
+    };
+    Crossing crossing;
+    if (Point2* pExistingVertex = newCDT_traverseCZ(pCSeg, crossing)) {
+        KELM_CHECK(pExistingVertex!=pCSeg->getSrc());
+        KELM_CHECK(pExistingVertex!=pCSeg->getTrg());
+        splitAt(pCSeg, pExistingVertex);
+        return;
+    }
+    ConstraintSegment2* pCrossingCSeg = crossing.pCrossingCSeg;
+    if (pCrossingCSeg == nullptr) return; // the segment is an edge now
+    const Point2& splitPoint = crossing.splitPoint;
+    KELM_CHECK(splitPoint!=*pCrossingCSeg->getSrc() && splitPoint!=*pCrossingCSeg->getTrg());
+    const bool bSplitBoth = splitPoint != *pCSeg->getSrc() && splitPoint != *pCSeg->getTrg();
+
+    // Both count as no constraint while the vertex enters: their edges may be divided or flipped.
+    pCrossingCSeg->markDead();
+    if (bSplitBoth) pCSeg->markDead();
+    Point2* pSplit = insertPoint(splitPoint, crossing.pNear);
+    // The old edge is mostly gone by now. Where the vertex was rounded into another triangle it is not, and
+    // must stand the test of the circle like any other.
+    newCDT_legalizeEdge(pCrossingCSeg->getSrc(), pCrossingCSeg->getTrg());
+    pCrossingCSeg->markAlive();
+    const bool bOK = splitAt(pCrossingCSeg, pSplit);
+    if (bSplitBoth) {
+        pCSeg->markAlive();
+        splitAt(pCSeg, pSplit);
+    } else if (bOK) {
+        vStack.push_back(pCSeg);
+    }
+}
+
+/// Walks along a segment and makes it an edge if nothing is in the way. Otherwise nothing is changed, and the
+/// result is a vertex on the segment, or null and a crossing.
+Point2* Dt2::newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossing) {
+    Point2 *pStart = pCSeg->getSrc(), *pStop = pCSeg->getTrg();
+    KELM_CHECK(pStart->getIncidentTriangle()!=NULL);
+    KELM_CHECK(pStop->getIncidentTriangle()!=NULL);
+    bool bEdge = false;
+    Triangle2* pT = nullptr;
+    if (Point2* pAhead = newCDT_leaveStart(pStart, pStop, pT, bEdge)) {
+        innerVtxMgr.forget(pAhead);
+        return pAhead;
+    }
+    if (bEdge) return nullptr;
+
+    vCorridor.assign(1, pT);
+    vRightChain.clear();
+    vLeftChain.clear();
+    // Right of the segment the chain runs from start to stop; left of it from stop to start, built backwards.
+    int exitIdx = pT->getIntraTriangleIndex(pStart);
+    vRightChain.push_back({pStart, pT, incIndexBy2(exitIdx)});
+    vLeftChain.push_back({pT->getCorner(incIndexBy2(exitIdx)), pT, incIndexBy1(exitIdx)});
+    for (;;) {
+        Triangle2* pN = pT->getOppositeTriangle(exitIdx);
+        const int k = pN->getIntraTriangleIndex(pT);
+        Point2 *pLeft = pN->getCorner(incIndexBy1(k)), *pRight = pN->getCorner(incIndexBy2(k));
+        if (segmentTable.isConstraintEdge(pLeft, pRight)) {
+            crossing.splitPoint = getIntersection25D(*pLeft, *pRight, *pStart, *pStop);
+            if (crossing.splitPoint == *pLeft) return pLeft;
+            if (crossing.splitPoint == *pRight) return pRight;
+            crossing.pCrossingCSeg = constraintMgr.getAliveSegment(pLeft, pRight);
+            crossing.pNear = pN;
+            return nullptr;
+        }
+        vCorridor.push_back(pN);
+        Point2* pVtx = pN->getCorner(k);
+        const Orientation2 side = quorTest.getOrientation2Filtered(pStart, pStop, pVtx);
+        if (side == ORIENTATION2_COLLINEAR) {
+            if (pVtx != pStop) return pVtx; // not forgotten as an inner vertex here, deliberately
+            vRightChain.push_back({pRight, pN, incIndexBy1(k)});
+            vLeftChain.push_back({pStop, pN, incIndexBy2(k)});
+            break;
+        }
+        if (side == ORIENTATION2_CW) {
+            vRightChain.push_back({pRight, pN, incIndexBy1(k)});
+            exitIdx = incIndexBy2(k);
+        } else {
+            vLeftChain.push_back({pVtx, pN, incIndexBy2(k)});
+            exitIdx = incIndexBy1(k);
+        }
+        pT = pN;
+    }
+    newCDT_replaceCorridor(pStart, pStop);
+    return nullptr;
+}
+
+/// Looks around the start for the way to the stop: the triangle whose opposite edge the segment crosses, or
+/// that the segment is an edge already, or, as the result, a neighbour that lies on it.
+Point2* Dt2::newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT, bool& bEdge) {
+    for (Fan fan(pStart); fan.getTriangle() != nullptr; fan.advance()) {
+        pT = fan.getTriangle();
+        const int i = fan.getIndex();
+        Point2 *a = pT->getCorner(incIndexBy1(i)), *b = pT->getCorner(incIndexBy2(i));
+        bEdge = a == pStop || b == pStop;
+        if (bEdge) return nullptr;
+        const Orientation2 ori1 = quorTest.getOrientation2Filtered(pStart, pStop, a);
+        if (ori1 == ORIENTATION2_CCW) continue; // a is left of the segment, the triangle even more so
+        const Orientation2 ori2 = quorTest.getOrientation2Filtered(pStart, pStop, b);
+        KELM_CHECK(!(ori1==ORIENTATION2_COLLINEAR && ori2==ORIENTATION2_COLLINEAR));
+        if (ori1 == ORIENTATION2_COLLINEAR && ori2 == ORIENTATION2_CCW) return a;
+        if (ori1 == ORIENTATION2_CW && ori2 == ORIENTATION2_COLLINEAR) return b;
+        if (ori1 == ORIENTATION2_CW && ori2 == ORIENTATION2_CCW) return nullptr;
+    }
+    KELM_CHECK(false);
+    return nullptr;
+}
+
+/// Replaces the triangles of the corridor by others in which the segment is an edge.
+void Dt2::newCDT_replaceCorridor(Point2* pStart, Point2* pStop) {
+    std::vector<Triangle2*> vNew;
+    vNew.reserve(vCorridor.size());
+    std::reverse(vLeftChain.begin(), vLeftChain.end());
+    Triangle2* pT0 = newCDT_triangulateSide(vRightChain, pStop, vNew);
+    Triangle2* pT1 = newCDT_triangulateSide(vLeftChain, pStart, vNew);
+    pT0->setOppTriangle(1, pT1);
+    pT1->setOppTriangle(1, pT0);
+    for (Triangle2* pRemoved : vCorridor) {
+        recycleTriangle(pRemoved);
+    }
+    newCDT_legalize(vNew);
+}
+
+/// Cuts ears off a chain of edges that ends at pEnd until one edge is left; the result is the triangle at it,
+/// which has it as edge 1. The chain's triangles are those being removed: each still holds the link to the
+/// neighbour outside, and two of them stand for each other where an edge has both its sides in the corridor.
+Triangle2* Dt2::newCDT_triangulateSide(std::vector<ChainEdge>& vChain, Point2* pEnd,
+                                       std::vector<Triangle2*>& vNew) {
+    const auto linkOutside = [](Triangle2* pNew, int i, const ChainEdge& edge) {
+        Triangle2* pOutside = edge.pHolder->getOppositeTriangle(edge.idx);
+        pNew->setOppTriangle(i, pOutside);
+        MeshInserter::relink(pOutside, edge.pHolder, pNew);
+    };
+    while (vChain.size() > 1) {
+        std::size_t numKept = 0;
+        for (std::size_t i = 0; i < vChain.size(); ++i) {
+            ChainEdge& kept = vChain[numKept++];
+            kept = vChain[i];
+            if (i + 1 == vChain.size()) break;
+            Point2 *a = kept.pSrc, *b = vChain[i + 1].pSrc;
+            Point2* c = i + 2 < vChain.size() ? vChain[i + 2].pSrc : pEnd;
+            if (quorTest.getOrientation2Filtered(a, b, c) != ORIENTATION2_CCW) continue;
+            Triangle2* pNew = createTriangle(a, b, c);
+            linkOutside(pNew, 2, kept);
+            linkOutside(pNew, 0, vChain[i + 1]);
+            // The first edge's record stands for the new open edge.
+            pNew->setOppTriangle(1, kept.pHolder);
+            kept.pHolder->setOppTriangle(kept.idx, pNew);
+            vNew.push_back(pNew);
+            ++i;
+        }
+        KELM_CHECK(numKept<vChain.size());
+        vChain.resize(numKept);
+    }
+    return vNew.back();
+}
+
+/// Restores the empty circles of new triangles in passes, everywhere but across constraints.
+void Dt2::newCDT_legalize(std::vector<Triangle2*>& vNew) {
+    std::vector<Triangle2*> vFlipped;
+    while (!vNew.empty()) {
+        vFlipped.clear();
+        for (Triangle2* pT : vNew) {
+            for (int i = 0; i < 3; ++i) {
+                Triangle2* pN = pT->aOppTriangle[i];
+                if (pN == nullptr || !violatesCircle(pT, i)) continue;
+                flip(pT, i);
+                vFlipped.push_back(pT);
+                vFlipped.push_back(pN);
+                break;
+            }
+        }
+        vNew.swap(vFlipped);
+    }
+}
+
+/// An edge that was a constraint must have an empty circle from now on, and so must what its flip changes.
+void Dt2::newCDT_legalizeEdge(const Point2* a, const Point2* b) {
+    const Edge2 edge = findEdge(a, b);
+    if (edge.getTriangle() == nullptr) return;
+    std::vector<Edge2> vStack = {edge};
+    legalizeEdges(vStack);
+}
+
+// --- conforming insertion ---------------------------------------------------------------------------------
+
+void Dt2::insertSegmentConformingDelaunay(ConstraintSegment2* pCSeg) {
+    Point2 *a = pCSeg->getSrc(), *b = pCSeg->getTrg();
+    if (findEdge(a, b).getTriangle() != nullptr) return;
+    const auto giveUp = [] {
+        printWarning("Dt2::insertSegmentConformingDelaunay()",
+                     "Double precision arithmetic does not allow to split a segment further, giving up. "
+                     "Incorrect result!");
+    };
+    std::vector<Point2*> vNeighbours;
+    getIncidentVertices(a, vNeighbours);
+    for (Point2* pVtx : vNeighbours) {
+        if (!isOnSegment(*a, *b, *pVtx)) continue;
+        if (quorTest.getOrientation2Filtered(a, b, pVtx) != ORIENTATION2_COLLINEAR) continue;
+        if (!pCSeg->split_combinatorialOnly(pVtx)) giveUp();
+        return;
+    }
+    const double maxAbsCoordinate = std::max(a->getMaxAbs(), b->getMaxAbs());
+    const double ulp =
+        std::ldexp(epsilon, static_cast<int>(std::ceil(std::log(maxAbsCoordinate) / std::log(2.0))));
+    if (minUlps * ulp > std::fabs(a->x() - b->x()) && minUlps * ulp > std::fabs(a->y() - b->y())) {
+        giveUp();
+        return;
+    }
+    Point2 center = centerWithShift(*a, *b, quorTest);
+    double height = 0.0;
+    if (pCSeg->getCIS() == CIS_CONFORMING_SURFACE_HEIGHT &&
+        getHeight(center.x(), center.y(), height, nullptr, 0.0)) {
+        center.setZ(height);
+    }
+    Point2* pNew = insertPoint(center);
+    if (pCSeg->hasEnd(pNew) || !pCSeg->split_combinatorialOnly(pNew)) giveUp();
+}
+
+} // namespace QUOR_KELM25D
