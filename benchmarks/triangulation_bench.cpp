@@ -1,5 +1,5 @@
-// Times of the library alone: bulk insertion by kind and size, single insertion, and the peak of memory.
-// The comparison with other libraries is in peer_compare.cpp.
+// Times of the library alone: bulk insertion by kind and size, single insertion, constraints, the peak of
+// memory. The comparisons with other libraries are in peer_compare.cpp and constraint_compare.cpp.
 
 #include "benchPoints.h"
 
@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <memory>
 
 using namespace QUOR_KELM25D;
 
@@ -51,6 +52,39 @@ void SingleInsertion(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(SingleInsertion)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+/// Polygons of ten segments among a hundred times as many points; the segments alone are timed.
+void PolygonInsertion(benchmark::State& state) {
+    const int numPolygons = static_cast<int>(state.range(0));
+    const std::vector<Point2> vPoints = bench::makePoints(bench::UNIFORM, 100 * numPolygons);
+    std::vector<Segment2> vSegments;
+    for (const std::vector<Segment2>& vPolygon : bench::makePolygons(numPolygons)) {
+        vSegments.insert(vSegments.end(), vPolygon.begin(), vPolygon.end());
+    }
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto pDt = std::make_unique<Kelm_2D>();
+        pDt->insert(vPoints);
+        state.ResumeTiming();
+        pDt->createConstraint(vSegments, CIS_CONSTRAINED_DELAUNAY);
+        state.PauseTiming();
+        pDt.reset();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(vSegments.size()));
+}
+BENCHMARK(PolygonInsertion)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+/// Segments alone, a tenth of the square's side long: the crossings grow with the square of their number.
+void CrossingSegments(benchmark::State& state) {
+    const std::vector<Segment2> vSegments =
+        bench::makeSegments(static_cast<int>(state.range(0)), 0.1 * bench::sideOfSquare);
+    for (auto _ : state) {
+        Kelm_2D dt;
+        benchmark::DoNotOptimize(dt.createConstraint(vSegments, CIS_CONSTRAINED_DELAUNAY));
+    }
+}
+BENCHMARK(CrossingSegments)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 /// A value in bytes from the process's status, 0 where there is none.
 double statusBytes(const char* key) {

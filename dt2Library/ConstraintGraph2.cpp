@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <iostream>
 
@@ -28,6 +29,47 @@ constexpr double touchingApex = 1e-6;
 double distance2D(const Point2& a, const Point2& b) {
     return std::hypot(a.x() - b.x(), a.y() - b.y());
 }
+
+/// The one or two segments at each vertex, as a hash table with linear probing.
+class IncidenceTable {
+public:
+    struct Entry {
+        const Point2* pVtx = nullptr;
+        ConstraintSegment2* aSegment[2] = {nullptr, nullptr};
+    };
+
+    explicit IncidenceTable(std::size_t maxVertices) {
+        int bits = 2;
+        while ((std::size_t(1) << bits) < 2 * maxVertices) {
+            ++bits;
+        }
+        shift = 64 - bits;
+        vEntries.resize(std::size_t(1) << bits);
+    }
+
+    /// False for a third segment at the vertex.
+    bool add(const Point2* pVtx, ConstraintSegment2* pSegment) {
+        Entry& entry = at(pVtx);
+        entry.pVtx = pVtx;
+        ConstraintSegment2*& free = entry.aSegment[entry.aSegment[0] != nullptr ? 1 : 0];
+        if (free != nullptr) return false;
+        free = pSegment;
+        return true;
+    }
+    /// The vertex's entry, or the free one where it belongs.
+    Entry& at(const Point2* pVtx) {
+        auto i =
+            static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(pVtx) * 0x9e3779b97f4a7c15ULL >> shift);
+        while (vEntries[i].pVtx != nullptr && vEntries[i].pVtx != pVtx) {
+            i = (i + 1) & (vEntries.size() - 1);
+        }
+        return vEntries[i];
+    }
+
+private:
+    std::vector<Entry> vEntries; // at most half of them taken
+    int shift;
+};
 
 template <class Pointer>
 void sortUnique(std::vector<Pointer>& v) {
@@ -95,33 +137,20 @@ ConstraintGraph2::ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, const s
 /// vertex on, with their directions.
 bool ConstraintGraph2::checkAndSortPolygon(const Segments& vSegments) {
     if (vSegments.size() < 3) return false;
-    using Incidence = std::pair<Point2*, ConstraintSegment2*>;
-    const auto isLower = [](const Incidence& a, const Incidence& b) {
-        return std::less<Point2*>()(a.first, b.first);
-    };
-    std::vector<Incidence> vIncidences;
-    vIncidences.reserve(2 * vSegments.size());
+    IncidenceTable incidences(2 * vSegments.size());
+    Point2* pLeftmost = vSegments.front()->p0;
     for (ConstraintSegment2* pCSeg : vSegments) {
-        vIncidences.emplace_back(pCSeg->p0, pCSeg);
-        vIncidences.emplace_back(pCSeg->p1, pCSeg);
+        for (Point2* pEnd : {pCSeg->p0, pCSeg->p1}) {
+            if (!incidences.add(pEnd, pCSeg)) return false;
+            if (*pEnd < *pLeftmost) pLeftmost = pEnd;
+        }
     }
-    std::sort(vIncidences.begin(), vIncidences.end(), isLower);
-    for (std::size_t i = 0; i < vIncidences.size(); i += 2) {
-        const bool bTwo = vIncidences[i].first == vIncidences[i + 1].first;
-        if (!bTwo || (i > 0 && vIncidences[i].first == vIncidences[i - 1].first)) return false;
-    }
-    const auto segmentsAt = [&](Point2* pVtx) {
-        return std::lower_bound(vIncidences.begin(), vIncidences.end(), Incidence(pVtx, nullptr), isLower);
-    };
     const auto otherEnd = [](const ConstraintSegment2* pCSeg, const Point2* pVtx) {
         return pCSeg->p0 == pVtx ? pCSeg->p1 : pCSeg->p0;
     };
-
-    const auto itLeftmost =
-        std::min_element(vIncidences.begin(), vIncidences.end(),
-                         [](const Incidence& a, const Incidence& b) { return *a.first < *b.first; });
-    Point2* const pLeftmost = itLeftmost->first;
-    ConstraintSegment2 *pA = segmentsAt(pLeftmost)->second, *pB = (segmentsAt(pLeftmost) + 1)->second;
+    const IncidenceTable::Entry& first = incidences.at(pLeftmost);
+    ConstraintSegment2 *pA = first.aSegment[0], *pB = first.aSegment[1];
+    if (pB == nullptr) return false;
     const Orientation2 turn = pDt->getQuorTest().getOrientation2Filtered(pLeftmost, otherEnd(pA, pLeftmost),
                                                                          otherEnd(pB, pLeftmost));
     if (turn == ORIENTATION2_COLLINEAR) return false;
@@ -132,8 +161,9 @@ bool ConstraintGraph2::checkAndSortPolygon(const Segments& vSegments) {
         setReverse(pCSeg, pCSeg->p1 == pVtx);
         vRing.push_back(pCSeg);
         pVtx = otherEnd(pCSeg, pVtx);
-        const auto it = segmentsAt(pVtx);
-        pCSeg = it->second == pCSeg ? (it + 1)->second : it->second;
+        const IncidenceTable::Entry& entry = incidences.at(pVtx);
+        pCSeg = entry.aSegment[entry.aSegment[0] == pCSeg ? 1 : 0];
+        if (pCSeg == nullptr) return false;
     } while (pVtx != pLeftmost);
     if (vRing.size() != vSegments.size()) return false;
     vCSegParents.swap(vRing);

@@ -46,7 +46,6 @@ ConstraintSegment2* ConstraintMgr::getSegment(Point2* a, Point2* b, ConstraintIn
     Point2* p0 = isHigher(a, b) ? b : a;
     Point2* p1 = isHigher(a, b) ? a : b;
     vSegments.emplace_back(new ConstraintSegment2(p0, p1, cis));
-    p0->bConstraintVertex = p1->bConstraintVertex = true;
     segmentTable.insert(vSegments.back().get());
     return vSegments.back().get();
 }
@@ -80,6 +79,7 @@ ConstraintGraph2* ConstraintMgr::createConstraint(const Pairs& vPairs, Constrain
     progress.begin("establish constraints", toSteps(stepsPerSegment * vPairs.size()));
     Segments vNew;
     vNew.reserve(vPairs.size());
+    segmentTable.reserve(vPairs.size());
     for (const auto& pair : vPairs) {
         progress.advance(1);
         if (pair.first == pair.second) {

@@ -49,7 +49,7 @@ public:
     bool isConstraintEdge(const Point2* a, const Point2* b) const noexcept {
         return segmentTable.isConstraintEdge(a, b);
     }
-    bool isConstraintVertex(const Point2* pVtx) const noexcept { return pVtx->bConstraintVertex; }
+    bool isConstraintVertex(const Point2* pVtx) const noexcept { return segmentTable.isConstraintVertex(pVtx); }
     /// Append all segments, or the alive ones, by the addresses of their ends.
     void getAllSegments(Segments& vSegmentsOut) const;
     void getAliveSegments(Segments& vSegmentsOut) const;

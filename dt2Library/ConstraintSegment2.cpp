@@ -19,6 +19,15 @@ namespace {
 
 int nextLabel = 0; // one counter for all triangulations, never reset and not guarded, deliberately
 
+/// Whether c lies on the line through a and b, outside the segment: a constraint bent there would run back
+/// over itself.
+bool runsBack(const Point2& a, const Point2& b, const Point2& c) {
+    const bool bInBox = c.x() >= std::min(a.x(), b.x()) && c.x() <= std::max(a.x(), b.x()) &&
+                        c.y() >= std::min(a.y(), b.y()) && c.y() <= std::max(a.y(), b.y());
+    return !bInBox && std::isfinite(c.x()) && std::isfinite(c.y()) &&
+           getOrientation2_mt(&a, &b, &c) == ORIENTATION2_COLLINEAR;
+}
+
 bool isLowerGraph(const ConstraintGraph2* a, const ConstraintGraph2* b) noexcept {
     return std::less<const ConstraintGraph2*>()(a, b);
 }
@@ -142,6 +151,11 @@ Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {
     KELM_CHECK(!sOwners.empty());
     Dt2* pOwnerDt = getDt2();
     KELM_CHECK(pOwnerDt!=0);
+    if (runsBack(*p0, *p1, point)) {
+        printError("ConstraintSegment2::insertAndSplit()",
+                   "the point lies on the segment's line beyond an end, the segment is not divided");
+        return nullptr;
+    }
     bAlive = false; // the edge counts as none while the point enters, and may be divided or flipped
     Point2* pSplit = pOwnerDt->insertPoint(point, p0->getIncidentTriangle());
     if (pSplit == nullptr || hasEnd(pSplit) || !divide(pSplit)) {

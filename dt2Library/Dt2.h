@@ -203,7 +203,7 @@ private:
     struct Crossing {
         Point2 splitPoint;
         ConstraintSegment2* pCrossingCSeg = nullptr; // alive; null: no crossing
-        Triangle2* pNear = nullptr;                  // a triangle at the crossing
+        Edge2 edge;                                  // of the mesh, which is that segment
     };
     /// An edge of a polygon that is to be triangulated, from pSrc to where the next one begins.
     struct ChainEdge {
@@ -211,6 +211,7 @@ private:
         Triangle2* pHolder; // one of the triangles being removed: its neighbour idx is the one outside
         int idx;
     };
+    Point2* newCDT_insertCrossing(const Crossing& crossing);
     void newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSegment2*>& vStack);
     Point2* newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossing);
     Point2* newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT, bool& bEdge);

@@ -140,10 +140,7 @@ void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSeg
     // Both count as no constraint while the vertex enters: their edges may be divided or flipped.
     pCrossingCSeg->markDead();
     if (bSplitBoth) pCSeg->markDead();
-    Point2* pSplit = insertPoint(splitPoint, crossing.pNear);
-    // The old edge is mostly gone by now. Where the vertex was rounded into another triangle it is not, and
-    // must stand the test of the circle like any other.
-    newCDT_legalizeEdge(pCrossingCSeg->getSrc(), pCrossingCSeg->getTrg());
+    Point2* pSplit = newCDT_insertCrossing(crossing);
     pCrossingCSeg->markAlive();
     const bool bOK = splitAt(pCrossingCSeg, pSplit);
     if (bSplitBoth) {
@@ -154,10 +151,29 @@ void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSeg
     }
 }
 
+/// Makes the crossing a vertex. The edge there is no constraint any more and loses its place if it violates
+/// the circle.
+Point2* Dt2::newCDT_insertCrossing(const Crossing& crossing) {
+    Triangle2 *pT0 = nullptr, *pT1 = nullptr;
+    int i0 = -1, i1 = -1, edgeIdx = -1;
+    crossing.edge.getTriangles(pT0, pT1, i0, i1);
+    Triangle2* pFound = pT0;
+    const int result = locateFrom(&crossing.splitPoint, pFound, edgeIdx);
+    Point2* pSplit = insertPoint(crossing.splitPoint, pFound);
+    // A new vertex in one of the two triangles at the edge has tested it. Where triangles are as thin as the
+    // rounding it may be in another one, or an old vertex.
+    if (result != MeshInserter::INSIDE || (pFound != pT0 && pFound != pT1)) {
+        newCDT_legalizeEdge(crossing.pCrossingCSeg->getSrc(), crossing.pCrossingCSeg->getTrg());
+    }
+    return pSplit;
+}
+
 /// Walks along a segment and makes it an edge if nothing is in the way. Otherwise nothing is changed, and the
 /// result is a vertex on the segment, or null and a crossing.
 Point2* Dt2::newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossing) {
-    Point2 *pStart = pCSeg->getSrc(), *pStop = pCSeg->getTrg();
+    // From the higher address: of the ends of a piece that is mostly the vertex just inserted, whose
+    // surroundings are in the cache, and which has few neighbours.
+    Point2 *pStart = pCSeg->getTrg(), *pStop = pCSeg->getSrc();
     KELM_CHECK(pStart->getIncidentTriangle()!=NULL);
     KELM_CHECK(pStop->getIncidentTriangle()!=NULL);
     bool bEdge = false;
@@ -184,7 +200,7 @@ Point2* Dt2::newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossi
             if (crossing.splitPoint == *pLeft) return pLeft;
             if (crossing.splitPoint == *pRight) return pRight;
             crossing.pCrossingCSeg = constraintMgr.getAliveSegment(pLeft, pRight);
-            crossing.pNear = pN;
+            crossing.edge = Edge2(pN, k);
             return nullptr;
         }
         vCorridor.push_back(pN);
@@ -212,12 +228,15 @@ Point2* Dt2::newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossi
 /// Looks around the start for the way to the stop: the triangle whose opposite edge the segment crosses, or
 /// that the segment is an edge already, or, as the result, a neighbour that lies on it.
 Point2* Dt2::newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT, bool& bEdge) {
+    // That it is an edge is the common case, and seen without a look at coordinates.
+    for (Fan fan(pStart); fan.getTriangle() != nullptr; fan.advance()) {
+        bEdge = fan.getTriangle()->hasVertex(pStop);
+        if (bEdge) return nullptr;
+    }
     for (Fan fan(pStart); fan.getTriangle() != nullptr; fan.advance()) {
         pT = fan.getTriangle();
         const int i = fan.getIndex();
         Point2 *a = pT->getCorner(incIndexBy1(i)), *b = pT->getCorner(incIndexBy2(i));
-        bEdge = a == pStop || b == pStop;
-        if (bEdge) return nullptr;
         const Orientation2 ori1 = quorTest.getOrientation2Filtered(pStart, pStop, a);
         if (ori1 == ORIENTATION2_CCW) continue; // a is left of the segment, the triangle even more so
         const Orientation2 ori2 = quorTest.getOrientation2Filtered(pStart, pStop, b);

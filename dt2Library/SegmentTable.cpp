@@ -21,8 +21,7 @@ std::uint64_t SegmentTable::hashOf(const Point2* p0, const Point2* p1) noexcept 
     return (h ^ (h >> 32)) * 0xd6e8feb86659fd93ULL;
 }
 
-ConstraintSegment2* SegmentTable::find(const Point2* a, const Point2* b) const noexcept {
-    if (vSlots.empty()) return nullptr;
+ConstraintSegment2* SegmentTable::findInTable(const Point2* a, const Point2* b) const noexcept {
     if (std::less<const Point2*>()(b, a)) std::swap(a, b);
     const std::uint64_t hash = hashOf(a, b);
     for (std::size_t i = firstSlot(hash); vSlots[i].pSegment != nullptr; i = (i + 1) & (vSlots.size() - 1)) {
@@ -39,8 +38,8 @@ void SegmentTable::place(const Slot& slot) noexcept {
     vSlots[i] = slot;
 }
 
-void SegmentTable::grow() {
-    shift = vSlots.empty() ? 64 - initialBits : shift - 1;
+void SegmentTable::growTo(int bits) {
+    shift = 64 - bits;
     std::vector<Slot> vOld(std::size_t(1) << (64 - shift), Slot{0, nullptr});
     vOld.swap(vSlots);
     for (const Slot& slot : vOld) {
@@ -48,9 +47,19 @@ void SegmentTable::grow() {
     }
 }
 
+void SegmentTable::reserve(std::size_t numMore) {
+    int bits = vSlots.empty() ? initialBits : 64 - shift;
+    while (3 * (numSegments + numMore) > (std::size_t(2) << bits)) {
+        ++bits;
+    }
+    if ((std::size_t(1) << bits) > vSlots.size()) growTo(bits);
+}
+
 void SegmentTable::insert(ConstraintSegment2* pSegment) {
-    if (3 * (numSegments + 1) > 2 * vSlots.size()) grow();
+    reserve(1);
     place({hashOf(pSegment->p0, pSegment->p1), pSegment});
+    pSegment->p0->constraintFilter |= bitOf(pSegment->p1);
+    pSegment->p1->constraintFilter |= bitOf(pSegment->p0);
     ++numSegments;
 }
 

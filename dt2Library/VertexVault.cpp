@@ -493,18 +493,14 @@ void VertexVault::fixDuplicates(std::vector<Point2*>* pvHandles) {
     if (mRedundant2UniqueVtx.empty()) return;
     sortRedundant();
     std::size_t numFoundInIdxVtxAct = 0;
-    const auto settleRange = [&](std::size_t from, std::size_t to) {
-        for (std::size_t i = from; i < to; ++i) {
-            IdxVtx& entry = vIdxVtxAct[i];
-            if (!entry.bActive || usableTriangle(entry) != nullptr) continue;
-            if (findRedundant(entry.pVtx) == nullptr) continue;
-            deactivateEntry(entry);
-            ++numFoundInIdxVtxAct;
-        }
-    };
-    settleRange(numSorted, vIdxVtxAct.size());
-    // Vertices that had waited, and met the mesh only now, may stand in the sorted part.
-    if (numFoundInIdxVtxAct != mRedundant2UniqueVtx.size()) settleRange(0, numSorted);
+    // From the end: they have just been added, but for vertices that had waited and met the mesh only now.
+    for (std::size_t i = vIdxVtxAct.size(); i-- > 0 && numFoundInIdxVtxAct < mRedundant2UniqueVtx.size();) {
+        IdxVtx& entry = vIdxVtxAct[i];
+        if (!entry.bActive || usableTriangle(entry) != nullptr) continue;
+        if (findRedundant(entry.pVtx) == nullptr) continue;
+        deactivateEntry(entry);
+        ++numFoundInIdxVtxAct;
+    }
     if (mRedundant2UniqueVtx.size() != numFoundInIdxVtxAct) {
         std::cout << "BUG: mRedundant2UniqueVtx.size()=" << mRedundant2UniqueVtx.size() << std::endl
                   << "     numFoundInIdxVtxAct=" << numFoundInIdxVtxAct << std::endl;

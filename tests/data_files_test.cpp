@@ -1,5 +1,6 @@
-// Point files: what is written and read, byte by byte, and what damaged input gets.
-// The example terrain is read in the tests of bulk insertion.
+// Files of points, segments and triangulations: what is written and read, byte by byte, and what damaged
+// input gets. Input that nobody has thought of is the matter of fuzz/readers_fuzz.cpp. The example terrain is
+// read in the tests of bulk insertion.
 #include "testing.h"
 
 #include <cfloat>
@@ -30,6 +31,38 @@ bool areSame(const std::vector<Point2>& vRead, const std::vector<Point2>& vExpec
         });
 }
 
+// Segment files as files of the ends of their segments.
+bool writeEnds(const char* name, const std::vector<Point2>& vEnds) {
+    std::vector<Segment2> vSegments;
+    for (std::size_t i = 0; i + 1 < vEnds.size(); i += 2)
+        vSegments.emplace_back(vEnds[i], vEnds[i + 1]);
+    return writeSegmentsBIN(name, vSegments);
+}
+bool readEnds(const char* name, std::vector<Point2>& vEnds) {
+    std::vector<Segment2> vSegments(1); // stays, not cleared
+    const bool bRead = readSegmentsBIN(name, vSegments);
+    for (std::size_t i = 1; i < vSegments.size(); ++i)
+        vEnds.insert(vEnds.end(), {vSegments[i].getSrc(), vSegments[i].getTrg()});
+    return bRead;
+}
+
+// Vertices and alive constraint segments by their bits; the ends of a segment have no order.
+std::multiset<std::string> getContents(const Kelm_2D& dt) {
+    const auto bytesOf = [](const Point2* p) { return toBytes(p->x(), p->y(), p->z()); };
+    std::multiset<std::string> sContents;
+    std::vector<Point2*> vVertices;
+    dt.getVertexPointers(vVertices);
+    for (const Point2* pVtx : vVertices)
+        sContents.insert(bytesOf(pVtx));
+    std::vector<ConstraintSegment2*> vSegments;
+    dt.getAliveConstraintSegments(vSegments);
+    for (const ConstraintSegment2* pSegment : vSegments) {
+        const auto ends = std::minmax({bytesOf(pSegment->getSrc()), bytesOf(pSegment->getTrg())});
+        sContents.insert(ends.first + ends.second);
+    }
+    return sContents;
+}
+
 } // namespace
 
 TEST(PointFiles, WrittenPointsComeBackBitByBitBehindWhatIsThere) {
@@ -43,13 +76,14 @@ TEST(PointFiles, WrittenPointsComeBackBitByBitBehindWhatIsThere) {
     for (Point2& point : vPoints)
         vPointers.push_back(&point);
     ScratchDirectory scratch;
-    for (int form = 0; form < 4; ++form) {
+    for (int form = 0; form < 5; ++form) {
         EXPECT_TRUE(form == 0   ? writePointsBIN(filename, vPoints)
                     : form == 1 ? writePointsBIN(filename, vPointers)
                     : form == 2 ? writePointsASCII(filename, vPoints)
-                                : writePointsASCII(filename, vPointers));
+                    : form == 3 ? writePointsASCII(filename, vPointers)
+                                : writeEnds(filename, vPoints));
         std::vector<Point2> vRead(1);
-        EXPECT_TRUE((form < 2 ? readPointsBIN : readXYZ)(filename, vRead)) << form;
+        EXPECT_TRUE((form < 2 ? readPointsBIN : form < 4 ? readXYZ : readEnds)(filename, vRead)) << form;
         vRead.erase(vRead.begin());
         EXPECT_TRUE(areSame(vRead, vPoints)) << form;
     }
@@ -57,6 +91,8 @@ TEST(PointFiles, WrittenPointsComeBackBitByBitBehindWhatIsThere) {
     vPoints[0].setCustomIndex(7);                            // not stored
     ASSERT_TRUE(writePointsBIN(filename, vPoints));
     EXPECT_EQ(readFile(filename), toBytes(30, 2, 0, 0.1, -2.0, 1e300, 4500000.001, 0.0, 3.0));
+    ASSERT_TRUE(writeEnds(filename, vPoints));
+    EXPECT_EQ(readFile(filename), toBytes(31, 1, 0, 0.1, -2.0, 1e300, 4500000.001, 0.0, 3.0));
     ASSERT_TRUE(writePointsASCII(filename, vPoints));
     EXPECT_EQ(readFile(filename),
               "0.100000000000000006 -2 1.00000000000000005e+300\n4500000.00100000016 0 3\n");
@@ -64,24 +100,31 @@ TEST(PointFiles, WrittenPointsComeBackBitByBitBehindWhatIsThere) {
 
 TEST(PointFiles, BinaryInputIsReadAsFarAsItGoes) {
     const std::string two = toBytes(1.0, 2.0), three = toBytes(1.0, 2.0, 3.0);
-    // Contents, the number of points in them, and the type in the message.
-    const std::tuple<std::string, int, std::string> aCase[] = {
-        {toBytes(20, 3, 0) + two + two + two, 3, ""},
-        {toBytes(30, 1, 12345) + three + three, 1, ""}, // reserved field, trailing bytes
-        {toBytes(30, -1, 0) + three, 0, ""},
-        {toBytes(30, 0x7fffffff, 0) + three + two, 1, ""},
-        {toBytes(30), 0, ""},
-        {toBytes(31, 1, 0) + three, 0, "31"},
-        {"", 0, "0"}};
+    const std::string notPoints = "points has wrong filetype ", notSegments = "points has wrong file type: ";
+    const auto points = readPointsBIN, ends = readEnds;
+    // Reader, contents, the number of points in them, and the message.
+    const std::tuple<decltype(points), std::string, int, std::string> aCase[] = {
+        {points, toBytes(20, 3, 0) + two + two + two, 3, ""},
+        {points, toBytes(30, 1, 12345) + three + three, 1, ""}, // reserved field, trailing bytes
+        {points, toBytes(30, -1, 0) + three, 0, ""},
+        {points, toBytes(30, 0x7fffffff, 0) + three + two, 1, ""},
+        {points, toBytes(30), 0, ""},
+        {points, toBytes(31, 1, 0) + three, 0, notPoints + "31, expected: 30 or 20\n"},
+        {points, "", 0, notPoints + "0, expected: 30 or 20\n"},
+        {points, "\x1e", 0, notPoints + "0, expected: 30 or 20\n"}, // a part of a number is none
+        {ends, toBytes(21, 2, 0) + two + two + two + two, 4, ""},
+        {ends, toBytes(31, 1, 12345) + three + three + three, 2, ""},
+        {ends, toBytes(31, -1, 0) + three + three, 0, ""},
+        {ends, toBytes(31, 0x7fffffff, 0) + three + three + three + two, 2, ""},
+        {ends, toBytes(30, 2, 0) + three + three, 0, notSegments + "30 instead of 31 or 21\n"}};
     ScratchDirectory scratch;
-    for (const auto& [content, numPoints, type] : aCase) {
+    for (const auto& [read, content, numPoints, message] : aCase) {
         writeFile(content);
         CoutCapture capture;
         std::vector<Point2> vRead;
-        EXPECT_EQ(readPointsBIN(filename, vRead), type.empty());
-        const std::string line = "points has wrong filetype " + type + ", expected: 30 or 20\n";
-        EXPECT_EQ(capture.take(), type.empty() ? "" : line);
-        EXPECT_TRUE(areSame(vRead, std::vector<Point2>(numPoints, {1, 2, content[0] == 20 ? 0.0 : 3.0})));
+        EXPECT_EQ(read(filename, vRead), message.empty());
+        EXPECT_EQ(capture.take(), message);
+        EXPECT_TRUE(areSame(vRead, std::vector<Point2>(numPoints, {1, 2, content[0] < 30 ? 0.0 : 3.0})));
     }
 }
 
@@ -115,16 +158,83 @@ TEST(PointFiles, FilesThatCannotBeOpenedOrWrittenAreReported) {
     ScratchDirectory scratch;
     std::filesystem::create_directory("folder");
     std::vector<Point2> vPoints(10);
+    Kelm_2D dt;
     CoutCapture capture;
     for (const std::string name : {"folder", "absent/points"}) {
-        for (const auto read : {readXY, readXYZ, readPointsBIN})
+        for (const auto read : {readXY, readXYZ, readPointsBIN, readEnds})
             EXPECT_FALSE(read(name.c_str(), vPoints));
-        const std::string line = name + " is unreadable\n";
-        EXPECT_EQ(capture.take(), line + line + name + " can't be read\n");
+        EXPECT_FALSE(dt.load(name.c_str()));
+        const std::string text = name + " is unreadable\n", binary = name + " can't be read\n";
+        EXPECT_EQ(capture.take(), text + text + binary + binary + binary);
     }
     EXPECT_EQ(vPoints.size(), 10u);
     for (const std::string name : {"folder", "absent/points", "/dev/full"}) { // the last opens, then is full
-        EXPECT_FALSE(writePointsBIN(name.c_str(), vPoints) || writePointsASCII(name.c_str(), vPoints));
-        EXPECT_EQ(capture.take(), name + " can't be written\n" + name + " can't be written\n");
+        EXPECT_FALSE(writePointsBIN(name.c_str(), vPoints) || writePointsASCII(name.c_str(), vPoints) ||
+                     writeEnds(name.c_str(), vPoints) || dt.save(name.c_str()));
+        const std::string line = name + " can't be written\n";
+        EXPECT_EQ(capture.take(), line + line + line + line);
+    }
+}
+
+TEST(TriangulationFiles, VerticesAndPiecesOfConstraintsComeBackBitByBit) {
+    ScratchDirectory scratch;
+    std::mt19937 random(20260107);
+    std::uniform_real_distribution<double> coordinate(-1000, 1000);
+    const auto next = [&] { return Point2{coordinate(random), coordinate(random), coordinate(random)}; };
+    std::vector<Point2> vTerrain(3000);
+    std::generate(vTerrain.begin(), vTerrain.end(), next);
+    std::vector<Segment2> vLong;
+    while (vLong.size() < 12) // they cross each other, and edges
+        vLong.emplace_back(next(), next());
+    const std::vector<Point2> vLine = {{0, 0, -0.0}, {-0.0, 2, 1e-310}, {0, 1, DBL_MAX}};
+    const std::vector<Segment2> vWaiting = {{vLine[0], vLine[1]}};
+    const std::pair<std::vector<Point2>, std::vector<Segment2>> aCase[] = {
+        {{}, {}}, {vTerrain, {}}, {vLine, {}}, {vLine, vWaiting}, {vTerrain, vLong}, {{}, vLong}};
+    for (const auto& [vPoints, vSegments] : aCase) {
+        Kelm_2D dt, loaded;
+        dt.insert(vPoints);
+        if (!vSegments.empty()) dt.createConstraint(vSegments, CIS_CONSTRAINED_DELAUNAY);
+        CoutCapture capture;
+        ASSERT_TRUE(dt.save(filename) && loaded.load(filename));
+        EXPECT_EQ(capture.take(), "");
+        EXPECT_TRUE(getContents(loaded) == getContents(dt));
+        EXPECT_TRUE(triangleSet(loaded) ==
+                    triangleSet(dt)); // unique: no four of the random points on a circle
+        if (vPoints.empty() && vSegments.empty()) {
+            EXPECT_EQ(readFile(filename), toBytes(301, 0, 0));
+        }
+        ASSERT_TRUE(loaded.load(filename)); // added to what is there, which is the same
+        EXPECT_TRUE(getContents(loaded) == getContents(dt));
+    }
+}
+
+TEST(TriangulationFiles, InputIsReadAsFarAsItGoesAndNothingOfWhatIsNotFinite) {
+    const std::string p = toBytes(1.0, 2.0, 3.0), q = toBytes(4.0, 0.0, 6.0), r = toBytes(7.0, 8.0, 9.0);
+    const std::string bad[] = {toBytes(std::nan(""), 0.0, 0.0), toBytes(0.0, -HUGE_VAL, 0.0)};
+    const std::string wrong = "points should have type 301 but has ";
+    // Contents, what is in them, the result, and a part of the message.
+    const std::tuple<std::string, std::multiset<std::string>, bool, std::string> aCase[] = {
+        {toBytes(301, 2) + p + q + toBytes(0), {p, q}, true, ""},
+        {toBytes(301, 1) + p + toBytes(1) + q + r + "more", {p, q, r, q + r}, true, ""}, // ends are vertices
+        {toBytes(301, 0x7fffffff) + p + q + toBytes(1.0), {p, q}, true, ""},
+        {toBytes(301, -2, 1) + q + r, {q, r, q + r}, true, ""},
+        {toBytes(301, 0, 0x7fffffff) + q + r + q + toBytes(1.0), {q, r, q + r}, true, ""},
+        {toBytes(301, 0, -1) + q + r, {}, true, ""},
+        {toBytes(301, 0, 1) + q + q, {q}, true, "a constraint segment has been skipped"},
+        {toBytes(301), {}, true, ""},
+        {toBytes(30, 1, 0) + p, {}, false, wrong + "30\n"},
+        {toBytes(301).substr(0, 3), {}, false, wrong + "0\n"},
+        {toBytes(301, 2) + p + bad[0] + toBytes(0), {}, false, "a coordinate is not finite"},
+        {toBytes(301, 2) + p + q + toBytes(1) + p + bad[1], {}, false, "a coordinate is not finite"}};
+    ScratchDirectory scratch;
+    for (const auto& [content, sContents, bLoads, message] : aCase) {
+        writeFile(content);
+        Kelm_2D dt;
+        CoutCapture capture;
+        EXPECT_EQ(dt.load(filename), bLoads);
+        const std::string printed = capture.take();
+        EXPECT_TRUE(message.empty() ? printed.empty() : printed.find(message) != std::string::npos)
+            << printed;
+        EXPECT_TRUE(getContents(dt) == sContents) << testing::PrintToString(content);
     }
 }

@@ -63,7 +63,8 @@ public:
     /// this returns; a conforming one may leave work to Kelm_2D::applyConstraintsAndZones. A segment that is
     /// not alive fails a check and throws KelmException.
     /// @return the vertex at the point's place, an existing one if there is one; null, after an error line
-    /// and with the segment as before, if a coordinate is not finite or if a piece would contain this segment
+    /// and with the segment as before, if a coordinate is not finite, if the point lies on the segment's line
+    /// beyond an end, or if a piece would contain this segment
     Point2* insertAndSplit(const Point2& point);
     /// The same, and then removes the vertices that the mesh generator has put inside the domain closer to
     /// the new vertex than getSrc() is, unless a constraint uses them.

@@ -112,7 +112,6 @@ private:
     friend class Dt2;
     friend class VertexVault;
     friend class Chunk;
-    friend class ConstraintMgr;
     friend class SegmentTable;
 
     void setIncidentTriangle(Triangle2* pTriangle) noexcept { pIncidentTriangle = pTriangle; }
@@ -122,7 +121,7 @@ private:
     double dZ;
     Triangle2* pIncidentTriangle; // null, or a triangle that has this point as a corner
     int customIndex;
-    bool bConstraintVertex = false; // the end of a constraint segment; stands in what would be padding
+    unsigned constraintFilter = 0; // see SegmentTable; stands in what would be padding
 };
 
 static_assert(sizeof(void*) != 8 || sizeof(Point2) == 40,

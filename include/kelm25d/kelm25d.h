@@ -27,6 +27,8 @@
 #include <kelm25d/dataFiles.h>
 #include <kelm25d/export.h>
 #include <kelm25d/reconstruct.h>
+#include <kelm25d/rings.h>
+#include <kelm25d/testDataGenerators.h>
 #include <kelm25d/timer.h>
 #include <kelm25d/version.h>
 #include <kelm25d/webScene.h>

@@ -5,10 +5,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <functional>
 #include <gmpxx.h>
+#include <iterator>
+#include <map>
 #include <sstream>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace QUOR_KELM25D {
@@ -38,6 +43,57 @@ std::string describe(const Triangle2* pT) {
 }
 
 using Mesh = std::vector<Triangle2*>;
+using Segments = std::vector<ConstraintSegment2*>;
+using VertexPair = std::pair<const Point2*, const Point2*>; // the lower address first
+
+VertexPair pairOf(const Point2* a, const Point2* b) {
+    return std::less<const Point2*>()(a, b) ? VertexPair(a, b) : VertexPair(b, a);
+}
+
+struct HashOfPair {
+    std::size_t operator()(const VertexPair& pair) const {
+        const auto a = reinterpret_cast<std::uintptr_t>(pair.first);
+        const auto b = reinterpret_cast<std::uintptr_t>(pair.second);
+        return static_cast<std::size_t>((a * 0x9E3779B97F4A7C15u ^ b) * 0xC2B2AE3D27D4EB4Fu >> 7);
+    }
+};
+
+using SegmentMap = std::unordered_map<VertexPair, ConstraintSegment2*, HashOfPair>;
+
+SegmentMap mapByEnds(const Segments& vSegments) {
+    SegmentMap mSegments;
+    for (ConstraintSegment2* pSegment : vSegments) {
+        mSegments.emplace(VertexPair(pSegment->getSrc(), pSegment->getTrg()), pSegment);
+    }
+    return mSegments;
+}
+
+ConstraintSegment2* find(const SegmentMap& mSegments, const VertexPair& pair) {
+    const auto it = mSegments.find(pair);
+    return it == mSegments.end() ? nullptr : it->second;
+}
+
+/// What the lookups say about an edge, against the list of alive segments.
+bool isLookupWrong(const Kelm_2D& dt, Point2* a, Point2* b, const ConstraintSegment2* pAlive) {
+    return dt.isConstraint(a, b) != (pAlive != nullptr) || dt.isConstraint(b, a) != (pAlive != nullptr) ||
+           dt.getConstraintSegment(a, b) != pAlive || dt.getConstraintSegment(b, a) != pAlive;
+}
+
+std::string findConstraintVertexFault(const Kelm_2D& dt, const std::vector<Point2*>& vVertices) {
+    Segments vAll;
+    dt.getAliveAndDeadConstraintSegments(vAll);
+    std::unordered_set<const Point2*> sEnds;
+    for (const ConstraintSegment2* pSegment : vAll) {
+        sEnds.insert({pSegment->getSrc(), pSegment->getTrg()});
+    }
+    std::size_t numFound = 0;
+    for (Point2* pVtx : vVertices) {
+        const bool bEnd = sEnds.count(pVtx) != 0;
+        if (dt.isConstraint(pVtx) != bEnd) return "isConstraint of a vertex is wrong";
+        numFound += bEnd ? 1 : 0;
+    }
+    return numFound == sEnds.size() ? "" : "an end of a constraint segment that is no vertex";
+}
 
 std::string findFaultBeforeTwoDimensional(const Kelm_2D& dt, std::vector<Point2*>& vVertices) {
     if (dt.numberOfTriangles() != 0) return "triangles before is2D";
@@ -71,15 +127,23 @@ std::string findVertexFault(const std::vector<Point2*>& vVertices, const Mesh& v
     return "";
 }
 
-/// Corners, neighbours and empty circles; collects the hull as a map from each vertex to the next.
-std::string findTriangleFault(const Mesh& vTriangles,
+/// Corners, neighbours, constrained edges and empty circles; collects the hull as a map from each vertex to
+/// the next.
+std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles,
                               std::unordered_map<const Point2*, const Point2*>& mHullNext) {
-    for (const Triangle2* pT : vTriangles) {
+    Segments vAlive;
+    dt.getAliveConstraintSegments(vAlive);
+    const SegmentMap mAlive = mapByEnds(vAlive);
+    for (Triangle2* pT : vTriangles) {
         const Point2 &a = *pT->getCorner(0), &b = *pT->getCorner(1), &c = *pT->getCorner(2);
         if (exactOrientation(a, b, c) != 1) return "a triangle that is not counterclockwise:" + describe(pT);
         for (int i = 0; i < 3; ++i) {
-            const Point2 *pSrc = pT->getCorner(next(i)), *pTrg = pT->getCorner(prev(i));
+            Point2 *pSrc = pT->getCorner(next(i)), *pTrg = pT->getCorner(prev(i));
             const Triangle2* pN = pT->getOppositeTriangle(i);
+            const ConstraintSegment2* pSegment = find(mAlive, pairOf(pSrc, pTrg));
+            if (dt.isConstraint(pT, i) != (pSegment != nullptr) || isLookupWrong(dt, pSrc, pTrg, pSegment)) {
+                return "a wrong answer whether an edge is a constraint:" + describe(pT);
+            }
             if (pN == nullptr) {
                 if (!mHullNext.emplace(pSrc, pTrg).second) return "a vertex with two hull edges going out";
                 continue;
@@ -90,7 +154,7 @@ std::string findTriangleFault(const Mesh& vTriangles,
                 ++j;
             }
             if (j == 3) return "a neighbour that does not share the edge:" + describe(pT);
-            if (pT < pN && exactInCircle(a, b, c, *pN->getCorner(j)) > 0) {
+            if (pSegment == nullptr && pT < pN && exactInCircle(a, b, c, *pN->getCorner(j)) > 0) {
                 return "a circle that is not empty:" + describe(pT) + " and" + describe(pN);
             }
         }
@@ -122,6 +186,197 @@ std::string findHullFault(const std::unordered_map<const Point2*, const Point2*>
     return "";
 }
 
+std::string describe(const ConstraintSegment2* pSegment) {
+    std::ostringstream text;
+    text.precision(17);
+    text << " (" << pSegment->getSrc()->x() << ", " << pSegment->getSrc()->y() << ") - ("
+         << pSegment->getTrg()->x() << ", " << pSegment->getTrg()->y() << ")";
+    return text.str();
+}
+
+bool joins(const ConstraintSegment2* pSegment, const Point2* a, const Point2* b) {
+    return VertexPair(pSegment->getSrc(), pSegment->getTrg()) == pairOf(a, b);
+}
+
+/// A crossing is rounded to doubles, which moves it by less than one unit in the last place of each
+/// coordinate, or snaps to an end that is closer than 1e-6. This holds for each split; below it, the pieces
+/// are what the next split is measured against, so that the deviations from an original add up.
+bool isNear(const Point2& s, const Point2& a, const Point2& b) {
+    const double dx = b.x() - a.x(), dy = b.y() - a.y(), sx = s.x() - a.x(), sy = s.y() - a.y();
+    const double length = std::hypot(dx, dy);
+    const double along = dx / length * sx + dy / length * sy;
+    const double distance = along < 0        ? std::hypot(sx, sy)
+                            : along > length ? std::hypot(s.x() - b.x(), s.y() - b.y())
+                                             : std::fabs(dx / length * sy - dy / length * sx);
+    const double magnitude = std::max({a.getMaxAbs(), b.getMaxAbs(), s.getMaxAbs()});
+    return distance <= 1.000001e-6 + std::ldexp(magnitude, -50);
+}
+
+std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const SegmentMap& mAll) {
+    for (ConstraintSegment2* pSegment : vAll) {
+        Point2 *p0 = pSegment->getSrc(), *p1 = pSegment->getTrg();
+        if (!std::less<const Point2*>()(p0, p1)) return "ends out of order:" + describe(pSegment);
+        if (pSegment->getNumberOfOwners() == 0) return "a segment without owner:" + describe(pSegment);
+        if (isLookupWrong(dt, p0, p1, pSegment->isAlive() ? pSegment : nullptr)) {
+            return "a wrong answer about a segment:" + describe(pSegment);
+        }
+        if (pSegment->isAlive()) continue;
+        ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
+        Point2* pSplit = nullptr;
+        pSegment->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
+        if (pKid0 == nullptr || pKid1 == nullptr || pSplit == nullptr || pSplit == p0 || pSplit == p1 ||
+            !((joins(pKid0, p0, pSplit) && joins(pKid1, pSplit, p1)) ||
+              (joins(pKid1, p0, pSplit) && joins(pKid0, pSplit, p1)))) {
+            return "a dead segment without two children that join its ends:" + describe(pSegment);
+        }
+        if (find(mAll, {pKid0->getSrc(), pKid0->getTrg()}) != pKid0 ||
+            find(mAll, {pKid1->getSrc(), pKid1->getTrg()}) != pKid1) {
+            return "a child that is not listed:" + describe(pSegment);
+        }
+    }
+    return "";
+}
+
+std::string findEdgeFault(const Kelm_2D& dt, const Segments& vAlive) {
+    Mesh vTriangles;
+    dt.getTrianglePointers(vTriangles);
+    std::unordered_set<VertexPair, HashOfPair> sEdges;
+    sEdges.reserve(3 * vTriangles.size());
+    for (const Triangle2* pT : vTriangles) {
+        for (int i = 0; i < 3; ++i) {
+            sEdges.insert(pairOf(pT->getCorner(i), pT->getCorner(next(i))));
+        }
+    }
+    for (const ConstraintSegment2* pSegment : vAlive) {
+        if (sEdges.count({pSegment->getSrc(), pSegment->getTrg()}) == 0) {
+            return "an alive segment that is no edge:" + describe(pSegment);
+        }
+    }
+    return "";
+}
+
+/// A segment and the end at which a walk enters it.
+using Step = std::pair<ConstraintSegment2*, const Point2*>;
+
+const Point2* otherEnd(const Step& step) {
+    return step.first->getSrc() == step.second ? step.first->getTrg() : step.first->getSrc();
+}
+
+/// Appends all segments of the split tree below, in the order of the walk, a parent before its children. The
+/// children have been checked before: the alive ones among these are a chain from end to end.
+/// @return false if a segment is a piece of itself
+bool walk(const Step& root, std::size_t numSegments, std::vector<Step>& vSteps) {
+    std::vector<std::pair<Step, std::size_t>> vStack{{root, 0}}; // with its depth in the tree
+    while (!vStack.empty()) {
+        const Step step = vStack.back().first;
+        const std::size_t depth = vStack.back().second;
+        vStack.pop_back();
+        if (depth > numSegments) return false;
+        vSteps.push_back(step);
+        if (step.first->isAlive()) continue;
+        ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
+        Point2* pSplit = nullptr;
+        step.first->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
+        if (!joins(pKid0, step.second, pSplit)) std::swap(pKid0, pKid1);
+        vStack.push_back({{pKid1, pSplit}, depth + 1});
+        vStack.push_back({{pKid0, step.second}, depth + 1});
+    }
+    return true;
+}
+
+/// What is wrong with a graph if it runs along its originals as the given steps do. Empty as well if it then
+/// runs along one place in both directions, since there is no order to compare then.
+std::string findOrderFault(const ConstraintGraph2& graph, const std::vector<Step>& vOriginals,
+                           std::size_t numSegments) {
+    std::vector<Step> vSteps;
+    for (const Step& step : vOriginals) {
+        walk(step, numSegments, vSteps);
+    }
+    std::unordered_map<ConstraintSegment2*, const Point2*> mStart;
+    Segments vExpected, vOrdered;
+    std::vector<const Point2*> vExpectedVertices;
+    for (const Step& step : vSteps) {
+        if (mStart.insert(step).first->second != step.second) return "";
+        if (!step.first->isAlive()) continue;
+        vExpected.push_back(step.first);
+        vExpectedVertices.insert(vExpectedVertices.end(), {step.second, otherEnd(step)});
+    }
+    for (const Step& step : vSteps) {
+        if (graph.isReverse(step.first) != (step.second == step.first->getTrg())) {
+            return "a wrong direction:" + describe(step.first);
+        }
+        ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
+        graph.getDirectChildren(step.first, pKid0, pKid1);
+        if ((pKid0 == nullptr) != step.first->isAlive() ||
+            (pKid0 != nullptr && pKid0->getSrc() != step.second && pKid0->getTrg() != step.second)) {
+            return "children out of order:" + describe(step.first);
+        }
+    }
+    graph.getChildrenInOrder(vOrdered);
+    if (vOrdered != vExpected) return "pieces out of order";
+    std::vector<Point2*> vVertices;
+    graph.getPolygonVertices(vVertices);
+    if (!std::equal(vVertices.begin(), vVertices.end(), vExpectedVertices.begin(), vExpectedVertices.end())) {
+        return "polygon vertices out of order";
+    }
+    return "";
+}
+
+/// vInput holds the graph's segments as they were given.
+std::string findGraphFault(const ConstraintGraph2& graph, const std::vector<Step>& vInput,
+                           std::size_t numSegments) {
+    const auto sorted = [](Segments v) {
+        std::sort(v.begin(), v.end());
+        v.erase(std::unique(v.begin(), v.end()), v.end());
+        return v;
+    };
+    Segments vOriginals, vGiven, vPieces, vExpected;
+    graph.getOriginalConstraintSegments(vOriginals);
+    std::vector<Step> vSteps;
+    for (const Step& step : vInput) {
+        vGiven.push_back(step.first);
+        walk(step, numSegments, vSteps);
+    }
+    if (sorted(vOriginals) != sorted(vGiven)) return "a graph with other originals";
+    for (const Step& step : vSteps) {
+        if (!step.first->isAlive()) continue;
+        vExpected.push_back(step.first);
+        if (!graph.isConstraint(step.first) ||
+            !graph.isConstraint(step.first->getTrg(), step.first->getSrc())) {
+            return "a piece that its graph does not know:" + describe(step.first);
+        }
+    }
+    graph.getChildConstraintSegments(vPieces);
+    if (vPieces != sorted(vExpected)) return "a graph with other pieces";
+    if (sorted(vGiven).size() != vGiven.size()) return ""; // some given twice, perhaps in both directions
+    if (!graph.isPolygon() && vOriginals != vGiven) return "a graph with another order";
+
+    // A graph runs as given, or like its segments if directions mean nothing, or around a polygon.
+    const std::map<ConstraintSegment2*, const Point2*> mGiven(vInput.begin(), vInput.end());
+    std::vector<Step> vPlain, vRing;
+    for (ConstraintSegment2* pSegment : vOriginals) {
+        vPlain.push_back({pSegment, graph.isOriented() ? mGiven.at(pSegment) : pSegment->getSrc()});
+        const bool bSrcBefore = !vRing.empty() && pSegment->getSrc() == otherEnd(vRing.back());
+        const bool bSrcAfter =
+            vRing.empty() && vOriginals.size() > 1 &&
+            (vOriginals[1]->getSrc() == pSegment->getTrg() || vOriginals[1]->getTrg() == pSegment->getTrg());
+        vRing.push_back({pSegment, bSrcBefore || bSrcAfter ? pSegment->getSrc() : pSegment->getTrg()});
+        if (graph.isPolygon() && vRing.size() > 1 &&
+            otherEnd(vRing[vRing.size() - 2]) != vRing.back().second) {
+            return "a polygon that is no ring";
+        }
+    }
+    const std::string fault = findOrderFault(graph, vPlain, numSegments);
+    return fault.empty() || !graph.isPolygon() ? fault : findOrderFault(graph, vRing, numSegments);
+}
+
+/// All coordinates are integers so small that the determinant is exact in doubles.
+bool isExactInDoubles(const Point2& a, const Point2& b, const Point2& c, const Point2& d, double permanent) {
+    const auto isInteger = [](double v) { return v == std::trunc(v) && std::fabs(v) < 0x1p50; };
+    const auto isLattice = [&](const Point2& p) { return isInteger(p.x()) && isInteger(p.y()); };
+    return permanent < 0x1p52 && isLattice(a) && isLattice(b) && isLattice(c) && isLattice(d);
+}
+
 } // namespace
 
 int exactOrientation(const Point2& a, const Point2& b, const Point2& c) {
@@ -147,6 +402,7 @@ int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point
     }
     const double bound = permanent * generousBound;
     if (bound > smallestTrusted && std::isfinite(bound) && std::fabs(det) > bound) return det > 0 ? 1 : -1;
+    if (isExactInDoubles(a, b, c, d, permanent)) return (det > 0) - (det < 0);
     mpq_class x[3], y[3], lift[3];
     for (int i = 0; i < 3; ++i) {
         x[i] = mpq_class(aCorner[i]->x()) - mpq_class(d.x());
@@ -167,14 +423,66 @@ std::string findMeshFault(const Kelm_2D& dt) {
     dt.getTrianglePointers(vTriangles);
     if (vVertices.size() != dt.numberOfPoints()) return "numberOfPoints is wrong";
     if (vTriangles.size() != dt.numberOfTriangles()) return "numberOfTriangles is wrong";
+    std::string fault = findConstraintVertexFault(dt, vVertices);
+    if (!fault.empty()) return fault;
     if (!dt.is2D()) return findFaultBeforeTwoDimensional(dt, vVertices);
-    std::string fault = findVertexFault(vVertices, vTriangles);
+    fault = findVertexFault(vVertices, vTriangles);
     std::unordered_map<const Point2*, const Point2*> mHullNext;
-    if (fault.empty()) fault = findTriangleFault(vTriangles, mHullNext);
+    if (fault.empty()) fault = findTriangleFault(dt, vTriangles, mHullNext);
     if (fault.empty()) fault = findHullFault(mHullNext);
     if (!fault.empty()) return fault;
     if (vTriangles.size() + mHullNext.size() + 2 != 2 * vVertices.size()) return "Euler's formula fails";
     return "";
+}
+
+std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& vSegments,
+                                const ConstraintGraph2* pGraph, bool bMayWait) {
+    Segments vAll, vAlive, vExpected;
+    dt.getAliveAndDeadConstraintSegments(vAll);
+    dt.getAliveConstraintSegments(vAlive);
+    const auto isNotBefore = [](const auto* a, const auto* b) { return !(*a < *b); };
+    if (std::adjacent_find(vAll.begin(), vAll.end(), isNotBefore) != vAll.end()) {
+        return "segments out of order or twice";
+    }
+    std::copy_if(vAll.begin(), vAll.end(), std::back_inserter(vExpected),
+                 [](const ConstraintSegment2* pSegment) { return pSegment->isAlive(); });
+    if (vAlive != vExpected) return "the alive segments are not those of all that are alive";
+    const SegmentMap mAll = mapByEnds(vAll);
+    std::string fault = findSegmentFault(dt, vAll, mAll);
+    if (fault.empty() && !bMayWait && dt.is2D()) fault = findEdgeFault(dt, vAlive);
+    if (!fault.empty()) return fault;
+
+    std::vector<Point2*> vVertices;
+    dt.getVertexPointers(vVertices);
+    std::map<Point2, Point2*> mPlaces;
+    for (const Segment2& segment : vSegments) {
+        mPlaces.insert({{segment.getSrc(), nullptr}, {segment.getTrg(), nullptr}});
+    }
+    for (Point2* pVtx : vVertices) {
+        const auto it = mPlaces.find(*pVtx);
+        if (it != mPlaces.end()) it->second = pVtx;
+    }
+    std::vector<Step> vInput, vSteps;
+    for (const Segment2& segment : vSegments) {
+        if (segment.getSrc() == segment.getTrg()) continue;
+        const Point2 *pSrc = mPlaces[segment.getSrc()], *pTrg = mPlaces[segment.getTrg()];
+        if (pSrc == nullptr || pTrg == nullptr) return "an end that is no vertex";
+        ConstraintSegment2* pRoot = find(mAll, pairOf(pSrc, pTrg));
+        if (pRoot == nullptr) return "a given segment that is no constraint";
+        vSteps.clear();
+        vInput.push_back({pRoot, pSrc});
+        if (!walk(vInput.back(), vAll.size(), vSteps)) return "a segment that is a piece of itself";
+        for (const Step& step : vSteps) {
+            ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
+            Point2* pSplit = nullptr;
+            if (step.first->isAlive()) continue;
+            step.first->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
+            if (!isNear(*pSplit, *step.second, *otherEnd(step))) {
+                return "a split far from the segment:" + describe(step.first);
+            }
+        }
+    }
+    return pGraph == nullptr ? "" : findGraphFault(*pGraph, vInput, vAll.size());
 }
 
 } // namespace testing_support

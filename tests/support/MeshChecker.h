@@ -2,9 +2,12 @@
 // It answers through gtest-friendly text and knows nothing of how the mesh was made.
 #pragma once
 
+#include <kelm25d/ConstraintGraph2.h>
+#include <kelm25d/ConstraintSegment2.h>
 #include <kelm25d/Kelm_2D.h>
 
 #include <string>
+#include <vector>
 
 namespace QUOR_KELM25D {
 namespace testing_support {
@@ -16,12 +19,25 @@ int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point
 
 /// Empty if the triangulation is valid, else what is wrong first. Checked: corners counterclockwise,
 /// neighbours symmetric over the same edge, incident triangles of vertices, every vertex in the mesh and no
-/// other, distinct places, empty circle over every inner edge, hull closed and convex, Euler's formula;
-/// before is2D() that all points are collinear and distinct.
+/// other, distinct places, empty circle over every inner edge that is no alive constraint segment, hull
+/// closed and convex, Euler's formula; before is2D() that all points are collinear and distinct; all answers
+/// to isConstraint and getConstraintSegment for edges and vertices.
 std::string findMeshFault(const Kelm_2D& dt);
+
+/// Empty if the constraints are sound and contain the given segments, else what is wrong first. Checked: both
+/// lists in order and without repetition, an owner for every segment, alive segments are edges, dead ones
+/// have two children that meet at a vertex close to them, and each given segment, unless its ends are equal,
+/// leads to a chain of alive pieces. With the graph made of these segments also that it has just these
+/// originals, pieces and directions. With bMayWait alive segments need not be edges. Split vertices that a
+/// caller has put far off a segment are faults.
+std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& vSegments,
+                                const ConstraintGraph2* pGraph = nullptr, bool bMayWait = false);
 
 } // namespace testing_support
 } // namespace QUOR_KELM25D
 
 /// Stops the test at the first fault of a triangulation.
 #define ASSERT_VALID_MESH(dt) ASSERT_EQ("", QUOR_KELM25D::testing_support::findMeshFault(dt))
+/// The same for its constraints; the arguments of findConstraintFault.
+#define ASSERT_VALID_CONSTRAINTS(...)                                                                        \
+    ASSERT_EQ("", QUOR_KELM25D::testing_support::findConstraintFault(__VA_ARGS__))

@@ -1,0 +1,238 @@
+// Made data: what a seed gives, the shapes, what bad arguments get and what would run forever if nobody
+// looked. The rings that polygons are sorted to have their own tests.
+#include "random.h"
+#include "testing.h"
+
+
+namespace {
+
+const double eps = std::numeric_limits<double>::epsilon();
+constexpr int numGenerators = 6, polygonGenerator = 4, surfaceGenerator = 5;
+
+// What generator k, of those that take a seed, makes of a range, and the custom indices.
+std::vector<double> make(int k, double min, double max, unsigned seed) {
+    std::vector<double> v(7, -1.0);
+    std::vector<Point2> vPoints(k < 3 ? 70 : 0);
+    std::vector<Segment2> vSegments;
+    if (k == 0) generateRandomNumbers(50, min, max, v, seed);
+    if (k == 1) generateRandomPoints(50, min, max, vPoints, seed);
+    if (k == 2) generateRandomPoints3D(50, min, max, vPoints, seed);
+    if (k == 3) generateRandomSegments(50, min, max, 3.0, vSegments, seed);
+    if (k == 4) generateRandomPolygon(20, min, max, vSegments, seed);
+    if (k == 5) generateRandomSurfacePoints(5, 6, 7, min, min, min, max, max, max, vPoints, seed);
+    for (const Segment2& s : vSegments)
+        vPoints.insert(vPoints.end(), {s.getSrc(), s.getTrg()});
+    for (const Point2& p : vPoints)
+        v.insert(v.end(), {p.x(), p.y(), p.z(), double(p.getCustomIndex())});
+    return v;
+}
+
+int seedAndDraw(unsigned seed) {
+    seedRandom(seed);
+    return nextRandom();
+}
+
+bool properlyCross(const Segment2& s, const Segment2& t) {
+    const Point2 a = s.getSrc(), b = s.getTrg(), c = t.getSrc(), d = t.getTrg();
+    return exactOrientation(a, b, c) * exactOrientation(a, b, d) < 0 &&
+           exactOrientation(c, d, a) * exactOrientation(c, d, b) < 0;
+}
+
+} // namespace
+
+TEST(Generators, SeedRepeatsEverywhereAndZeroDoesNot) {
+    const int aDrawn[] = {seedAndDraw(0), nextRandom(), seedAndDraw(4294967295U), nextRandom()};
+    const int aPublished[] = {28944, 14140, 14808, 12432}; // the 15 highest bits of the generator's sequence
+    EXPECT_TRUE(std::equal(aDrawn, aDrawn + 4, aPublished));
+    CoutCapture capture; // one of them talks
+    for (int k = 0; k < numGenerators; ++k) {
+        std::set<std::vector<double>> sMade;
+        for (const unsigned seed : {1U, 1U, 2U, 2U, 4294967295U, 4294967295U})
+            sMade.insert(make(k, -50, 100, seed));
+        EXPECT_EQ(sMade.size(), 3U) << k;
+        for (int i = 0; i < 300; ++i) // most of them within one second
+            sMade.insert(make(k, -50, 100, 0));
+        // A polygon that fails at first goes on with seed 1, which about one in five does.
+        EXPECT_GE(sMade.size(), k == polygonGenerator ? 150U : 303U) << k;
+    }
+}
+
+TEST(Generators, NumbersBecomeFirstAllXThenAllYThenAllZ) {
+    std::vector<double> r;
+    generateRandomNumbers(30, -2.0, 5.0, r, 9);
+    EXPECT_EQ(r[0], seedAndDraw(9) * (7.0 / 32768) - 2.0);
+    std::vector<Point2> v, v3D(100);
+    generateRandomPoints(15, -2.0, 5.0, v, 9);
+    CoutCapture capture;
+    generateRandomPoints3D(10, -2.0, 5.0, v3D, 9);
+    ASSERT_TRUE(v.size() == 15 && v3D.size() == 10);
+    std::string lines = "after generate\n";
+    for (int i = 0; i < 10; ++i) {
+        lines += "i=" + std::to_string(i) + ", siz=30\n";
+        EXPECT_TRUE(v[i].samePoint({r[i], r[15 + i], 0.0})) << i;
+        EXPECT_TRUE(v3D[i].samePoint({r[i], r[10 + i], r[20 + i]})) << i;
+    }
+    EXPECT_EQ(capture.take(), lines);
+}
+
+TEST(Generators, BadArgumentsFailTheirCheck) {
+    // Number of segments, range, length for segments or 0 for a polygon, the condition in the message.
+    const std::tuple<unsigned, double, double, double, std::string> aCase[] = {
+        {2, 0, 1, 0, "numSegments>2 "},
+        {3, 0, 4.9e-324, 0, "canFindPolygon"},   // all points in one place
+        {3, -1e308, 1e308, 0, "canFindPolygon"}, // infinite coordinates
+        {4, 1000, 1001, 0, "canFindPolygon"},    // limits in y below all points
+        {4, -1001, -1000, 0, "canFindPolygon"},  // and above
+        {1, 0, 1, -1, "maxLength>0 "},
+        {1, 0, 1, NAN, "maxLength>0 "},
+        {1, 0, 4.9e-324, 1, "numFruitless"},   // all points in one place
+        {1, 1e6, 2e6, 1e-12, "numFruitless"}}; // ends rounded to starts
+    ScratchDirectory scratch;
+    CoutCapture capture;
+    std::vector<Segment2> v;
+    for (const auto& [num, min, max, maxLen, condition] : aCase) {
+        if (maxLen == 0)
+            EXPECT_THROW(generateRandomPolygon(num, min, max, v, 1), KelmException);
+        else
+            EXPECT_THROW(generateRandomSegments(num, min, max, maxLen, v, 1), KelmException);
+        EXPECT_TRUE(capture.printed("[ " + condition) && v.empty()) << condition << min;
+    }
+    EXPECT_THROW(generateSineSegments(0, 1, 0, 0, 1, 1, false, v), KelmException);
+    EXPECT_TRUE(capture.printed("[ numSegments>0 ") && v.empty());
+    for (int k = 0; k < surfaceGenerator; ++k)
+        for (const double max : {1.0, 0.5, double(NAN)}) {
+            EXPECT_THROW(make(k, 1.0, max, 1), KelmException);
+            EXPECT_TRUE(capture.printed("[ min<max ")) << k << max;
+        }
+    std::vector<double> vNumbers(7);
+    EXPECT_THROW(generateRandomNumbers(3, 1, 1, vNumbers, 4), KelmException);
+    const int next = nextRandom();
+    EXPECT_TRUE(vNumbers.size() == 3 && seedAndDraw(4) == next); // sized and seeded, deliberately
+}
+
+TEST(RandomPolygon, IsASimpleRingOfTheWantedSize) {
+    // From 1000 to 1030 the limits in y are a strip of the square, and attempts for many segments fail.
+    for (const auto& [min, max] : {std::pair(0., 1.), {-3., -1.}, {1000., 1030.}, {-1e-300, 1e-300}})
+        for (const unsigned num : {3U, 4U, 30U, 120U}) {
+            SCOPED_TRACE(::testing::Message() << min << ' ' << max << ' ' << num);
+            std::vector<Segment2> v;
+            generateRandomPolygon(num, min, max, v, 7);
+            ASSERT_EQ(v.size(), num);
+            std::set<Point2> sPlaces;
+            int numOutside = 0;
+            for (unsigned i = 0; i < num; ++i) {
+                const Point2 p = v[i].getSrc();
+                EXPECT_EQ(v[i].getTrg(), v[(i + 1) % num].getSrc());
+                sPlaces.insert(p);
+                numOutside += p.x() < min || p.x() > max || p.y() < 0.98 * min || p.y() > 0.98 * max;
+                for (unsigned j = 0; j < i; ++j)
+                    EXPECT_FALSE(properlyCross(v[i], v[j]));
+            }
+            EXPECT_EQ(sPlaces.size(), num);
+            EXPECT_LE(numOutside, num == 3 ? 3 : 1); // the first triangle shares an edge with the next
+        }
+    std::vector<Segment2> v(1);
+    generateRandomPolygon(400, 1000, 1030, v, 7);
+    EXPECT_EQ(v.size(), 400U); // cleared by a retry
+    v = {{{7, 7, 0}, {8, 7, 0}}, {{8, 7, 0}, {7, 7, 0}}};
+    generateRandomPolygon(3, 0, 1, v, 7);
+    EXPECT_TRUE(v.size() == 2 && v[0].getSrc() == Point2(7, 7, 0)); // the ring of the first segment
+}
+
+TEST(RandomSegments, HaveThreeLengthsAndFillUp) {
+    for (const double size : {1e-200, 1.0, 1e200}) {
+        std::vector<Segment2> v;
+        generateRandomSegments(1000, -size, size, size / 8, v, 3);
+        generateRandomSegments(1000, -size, size, size / 8, v, 4); // there are enough
+        ASSERT_EQ(v.size(), 1000U);
+        std::map<double, int> mCount;
+        for (const Segment2& s : v) {
+            const Point2 a = s.getSrc(), b = s.getTrg();
+            const double length = std::hypot(b.x() - a.x(), b.y() - a.y()) / (size / 8);
+            for (const double part : {1.0, 0.8, 0.5}) // ends are rounded at up to twice the range, 16 lengths
+                mCount[part] += std::fabs(length - part) < 32 * eps;
+        }
+        EXPECT_EQ(mCount[1.0] + mCount[0.8] + mCount[0.5], 1000);
+        for (const auto& [part, count] : mCount) // a third each, within five standard deviations
+            EXPECT_NEAR(count, 333, 75) << part;
+    }
+}
+
+TEST(RandomSurface, ReachesItsLimitsExactlyAndTakesEarlierPointsAlong) {
+    const double xmin = 0.1, ymin = -7.3, zmin = -7.3, xmax = 0.7, ymax = 1e3, zmax = 0.3;
+    std::vector<double> x, y; // of the first bump, which goes up, and the second, which goes down
+    generateRandomNumbers(2, xmin, xmax, x, 11);
+    generateRandomNumbers(2, ymin, ymax, y, 12);
+    const auto isNearFirst = [&](const Point2& p) {
+        return std::hypot(p.x() - x[0], p.y() - y[0]) < std::hypot(p.x() - x[1], p.y() - y[1]);
+    };
+    for (const unsigned numY : {2U, 70U})
+        for (const unsigned numCenters : {1U, 2U, 25U}) {
+            std::vector<Point2> v(1, {0.5, 3.0, 99.0});
+            generateRandomSurfacePoints(3, numY, numCenters, xmin, ymin, zmin, xmax, ymax, zmax, v, 11);
+            ASSERT_EQ(v.size(), 1 + 3 * numY);
+            EXPECT_TRUE(v[1] == Point2(xmin, ymin, 0) && v[numY] == Point2(xmin, ymax, 0));
+            EXPECT_TRUE(v[1 + 2 * numY].x() == xmax && v.back() == Point2(xmax, ymax, 0));
+            EXPECT_TRUE(std::is_sorted(v.begin() + 1, v.end()));
+            const auto isLower = [](const Point2& a, const Point2& b) { return a.z() < b.z(); };
+            const auto extremes = std::minmax_element(v.begin(), v.end(), isLower);
+            EXPECT_TRUE(extremes.first->z() == zmin && extremes.second->z() == zmax);
+            EXPECT_TRUE(numCenters != 2 || (isNearFirst(*extremes.second) && !isNearFirst(*extremes.first)));
+        }
+}
+
+TEST(RandomSurface, BadArgumentsAreReportedAndDrawNothing) {
+    std::vector<Point2> v, vOne;
+    CoutCapture capture;
+    for (const auto& [numX, width, height] :
+         {std::tuple(2, 0., 1.), {2, 1., -1.}, {0, NAN, 1.}, {1, 1., 1.}}) {
+        const std::string text = numX == 1 ? "numX and numY must be at least 2" : "impossible range";
+        const int next = seedAndDraw(4);
+        seedRandom(4);
+        generateRandomSurfacePoints(numX, 2, 0, 0, 0, 0, width, 1, height, v, 5);
+        EXPECT_TRUE(capture.printed(" generateRandomSurfacePoints(), ERROR: " + text + ", returning\n"));
+        EXPECT_TRUE(v.empty() && nextRandom() == next);
+    }
+    generateRandomSurfacePoints(9, 9, 0, 0, 0, 0, 1, 1, 1, v, 5);
+    EXPECT_TRUE(capture.printed("generateRandomSurfacePoints(), WARNING: numCenters<1, changed to 1\n"));
+    generateRandomSurfacePoints(9, 9, 1, 0, 0, 0, 1, 1, 1, vOne, 5);
+    EXPECT_TRUE(std::equal(v.begin(), v.end(), vOne.begin(), vOne.end(),
+                           [](const Point2& a, const Point2& b) { return a.samePoint(b); }));
+}
+
+TEST(Curves, CirclesAndSinesGoWhereTheyShould) {
+    CoutCapture capture;
+    std::vector<Point2> vCircle;
+    generateCircle(-3, 1, 2, 3, 4, 5, vCircle);
+    generateCircle(0, 1, 2, 3, 4, 5, vCircle);
+    EXPECT_EQ(capture.take(), "\n      [Kelm2D-Message] generateCircle(), WARNING: numPoints=0\n\n");
+    generateCircle(8, 1, 2, 3, 4, 5, vCircle);
+    ASSERT_EQ(vCircle.size(), 8U);
+    for (int i = 0; i < 8; ++i) { // with a gap wider by 5.3e-6 radians at the end
+        const double t = std::atan2((vCircle[i].y() - 2) / 5, (vCircle[i].x() - 1) / 4);
+        EXPECT_NEAR(std::remainder(t - i * 6.28318 / 8, 2 * M_PI), 0.0, 32 * eps) << i; // a few roundings
+    }
+    for (const auto& [yFactor, bSwapXY, num] : {std::tuple(2., false, 1), {2., true, 40}, {0., false, 40}}) {
+        std::vector<Segment2> v;
+        generateSineSegments(num, 5, 10, 0, 3, yFactor, bSwapXY, v);
+        ASSERT_EQ(v.size(), unsigned(num));
+        for (int i = 0; i < num; ++i) {
+            const Point2 p = v[i].getTrg();
+            EXPECT_TRUE(i + 1 == num || p == v[i + 1].getSrc());
+            const double t = 10 * M_PI * (i + 1) / num, sine = std::sin(t);
+            const double y = yFactor == 0 ? std::fabs(sine) : 2 * sine;
+            EXPECT_NEAR(bSwapXY ? p.y() : p.x(), 3 * t + 10, 512 * eps); // a few roundings below 128
+            EXPECT_NEAR(bSwapXY ? p.x() : p.y(), y, 128 * eps);
+            EXPECT_TRUE((i + 1) * 10 % num != 0 || (bSwapXY ? p.x() : p.y()) == 0.0); // whole half periods
+        }
+    }
+}
+
+TEST(Shear, MovesByTheOldValuesAndClearsTheIndex) {
+    for (const auto& [shearX, shearY] : {std::pair(0.0, 0.0), {0.5, -3.0}}) {
+        std::vector<Point2> v(1, {4.0, 8.0, 7.0});
+        v[0].setCustomIndex(5);
+        shear(v, shearX, shearY);
+        EXPECT_TRUE(v[0].samePoint({4 + 8 * shearX, 8 + 4 * shearY, 7}) && v[0].getCustomIndex() == -1);
+    }
+}

@@ -1,0 +1,317 @@
+// Rings out of segments and of edges, simple polygons, and borders, edges and parts of triangle sets.
+// Rings among constraints are tested with the constraint graphs.
+#include "testing.h"
+
+#include "ringTools.h"
+
+
+#include <deque>
+#include <regex>
+
+namespace {
+
+using Segments = std::vector<Segment2>;
+using Edges = std::vector<Edge2>;
+using Triangles = std::vector<Triangle2*>;
+
+// The closed ring through the points, in their order.
+Segments ringOf(const std::vector<Point2>& v) {
+    Segments vRing;
+    for (std::size_t i = 0; i < v.size(); ++i)
+        vRing.emplace_back(v[i], v[(i + 1) % v.size()]);
+    return vRing;
+}
+
+Segments operator+(Segments v, const Segments& more) {
+    v.insert(v.end(), more.begin(), more.end());
+    return v;
+}
+
+bool isSame(const Segments& v, const Segments& w) {
+    return std::equal(v.begin(), v.end(), w.begin(), w.end(), [](const Segment2& s, const Segment2& t) {
+        return s.getSrc().samePoint(t.getSrc()) && s.getTrg().samePoint(t.getTrg());
+    });
+}
+
+void shuffleAndFlip(Segments& v, std::mt19937& engine) {
+    std::shuffle(v.begin(), v.end(), engine);
+    for (Segment2& s : v)
+        if (engine() % 2) s.swapSrcTrg();
+}
+
+// A triangulation and a random half of its triangles, whose border touches itself a lot.
+struct HalfMesh {
+    Kelm_2D dt;
+    Triangles vAll, vHalf;
+
+    explicit HalfMesh(const std::vector<Point2>& v) {
+        dt.insert(v);
+        dt.getTrianglePointers(vAll);
+        std::mt19937 engine(5);
+        std::copy_if(vAll.begin(), vAll.end(), std::back_inserter(vHalf), [&](auto) { return engine() % 2; });
+    }
+};
+
+Edges borderEdges(const Triangles& vT) {
+    Edges vEdges;
+    getDirectedEdges(vT, vEdges);
+    const auto isInner = [&](const Edge2& edge) {
+        return std::count(vT.begin(), vT.end(), edge.getTriangle()->getOppositeTriangle(edge.getIndex()));
+    };
+    vEdges.erase(std::remove_if(vEdges.begin(), vEdges.end(), isInner), vEdges.end());
+    return vEdges;
+}
+
+const std::vector<Point2> square{{0, 0, 1}, {2, 0, 2}, {2, 2, 3}, {0, 2, 4}};
+const Point2 far(9, 9, 0);
+const Segments ring = ringOf(square), openRing(ring.begin(), ring.end() - 1);
+const Segments away = ringOf({far, {10, 9, 0}, {9, 10, 0}});
+const Segments touching = ringOf({square[2], {3, 2, 0}, {3, 3, 0}});
+
+} // namespace
+
+TEST(SortRing, AnyOrderAndDirectionGiveTheRing) {
+    std::mt19937 engine(7);
+    for (int n = 3; n < 60; ++n) {
+        std::vector<Point2> v; // counterclockwise, star-shaped
+        for (int i = 0; i < n; ++i) {
+            const double r = 1.0 + engine() % 9, a = 0.3 * n + 6.28 * i / n;
+            v.emplace_back(r * std::cos(a), r * std::sin(a), i);
+        }
+        Segments vRing = ringOf(v);
+        shuffleAndFlip(vRing, engine);
+        const Segments vFirst{vRing[0]};
+        vRing = vRing + away; // a second ring, to be dropped
+        std::shuffle(vRing.begin() + 1, vRing.end(), engine);
+        Segments vRingCCW = vRing;
+        EXPECT_TRUE(sortRing(vRing) && vRing.size() == v.size() && isSame({vRing[0]}, vFirst)) << n;
+        for (std::size_t i = 1; i < vRing.size(); ++i)
+            EXPECT_TRUE(vRing[i].getSrc().samePoint(vRing[i - 1].getTrg())) << n << ' ' << i;
+        std::rotate(v.begin(), std::min_element(v.begin(), v.end()), v.end());
+        EXPECT_TRUE(sortRingCCW(vRingCCW) && isSame(vRingCCW, ringOf(v))) << n;
+    }
+}
+
+TEST(SortRing, WhatIsNoRingIsRefusedAndKept) {
+    // Below the square and collinear with its lower side, which only counts if it is seen before the winner.
+    const Segments below = ringOf({square[0], {1, -1, 0}, {1, 0, 0}});
+    const std::string sorted = "Message\\] sortRing\\(\\), WARNING: Not a ring";
+    const std::string ccw =
+        R"(Message\] bool QUOR_KELM25D::sortRingCCW\(std::vector<Segment2>&\) \d+, WARNING: not a ring )";
+    const std::tuple<Segments, std::string, std::string> aCase[] = {
+        // segments, what sortRing prints and what sortRingCCW prints; "true" for success
+        {{}, "", ""},
+        {{ring[0]}, "Distance=1\n[^]*" + sorted + "1", ccw + "1"},
+        {openRing, "Distance=1\n[^]*" + sorted + "1", ccw + "1"},
+        {ring + touching, "Distance=4\n[^]*" + sorted + "1", "true"},
+        {{ring[0], ring[0]}, "true", ccw + "0"},
+        {Segments{{square[0], square[0]}} + ring, "true", ccw + "0"},
+        {ring + below, "true", ccw + "0"},
+        {below + ring, "true", "true"},
+        {ring + Segments{{far, {INFINITY, 0, 0}}}, sorted + "3", "sortRingCCW\\(\\), WARNING: Not a ring3"}};
+    for (const auto& [vIn, patternSort, patternCCW] : aCase) {
+        for (const bool bCCW : {false, true}) {
+            CoutCapture capture;
+            Segments v = vIn;
+            const bool bRing = bCCW ? sortRingCCW(v) : sortRing(v);
+            const std::string printed = capture.take(), pattern = bCCW ? patternCCW : patternSort;
+            EXPECT_EQ(bRing, pattern == "true") << pattern << printed;
+            EXPECT_EQ(printed.empty(), bRing || pattern.empty()) << pattern << printed;
+            const bool bMatch = std::regex_search(printed, std::regex(pattern));
+            EXPECT_TRUE(bRing || (bMatch && isSame(v, vIn))) << pattern << printed;
+        }
+    }
+}
+
+TEST(SortRingCCW, RingThatTouchesItselfIsFollowedOnTheOuterSide) {
+    // Squares along a diagonal, each touching the next one: up on their right sides and down on their left.
+    std::mt19937 engine(11);
+    for (int n = 2; n < 30; ++n) {
+        std::vector<Point2> vOuter;
+        Segments v;
+        for (double i = 0; i < n; ++i) {
+            v = v + ringOf({{i, i, 0}, {i + 1, i, 0}, {i + 1, i + 1, 0}, {i, i + 1, 0}});
+            vOuter.insert(vOuter.end(), {{i, i, 0}, {i + 1, i, 0}});
+        }
+        for (double i = n; i > 0; --i)
+            vOuter.insert(vOuter.end(), {{i, i, 0}, {i - 1, i, 0}});
+        shuffleAndFlip(v, engine);
+        EXPECT_TRUE(sortRingCCW(v) && isSame(v, ringOf(vOuter))) << n;
+    }
+}
+
+TEST(SortRingCCW, OnTheLeftTheSharpestTurnWins) {
+    // At q nothing goes to the right; the upper left one is taken, and the loop of the others is left out.
+    const Point2 p(0, 0, 0), q(2, 0, 0), upperLeft(1, 3, 0);
+    Segments v = ringOf({q, {3, 3, 0}, {2, 3, 0}}) + ringOf({p, q, upperLeft});
+    EXPECT_TRUE(sortRingCCW(v) && isSame(v, ringOf({p, q, upperLeft})));
+}
+
+TEST(SortRingEdges, ChainFromTheLeftmostSourceOrFailure) {
+    // Pairs of points at (i, 0), and the positions of those in the ring; none for failure.
+    const std::pair<std::vector<std::pair<int, int>>, std::vector<int>> aCase[] = {
+        {{{2, 1}, {3, 2}, {1, 3}}, {2, 1, 0}},
+        {{{3, 4}, {1, 3}, {2, 2}, {4, 1}, {3, 1}, {7, 8}}, {1, 0, 3}}, // the first of two; others are dropped
+        {{{1, 2}, {2, 2}, {2, 1}}, {}},
+        {{{1, 2}, {2, 3}, {3, 4}}, {}},
+        {{{1, 2}, {2, 3}, {3, 4}, {4, 2}}, {}}}; // round and round without the start
+    for (const auto& [vPairs, vPositions] : aCase) {
+        std::vector<Point2> vVtx;
+        for (int i = 0; i < 9; ++i)
+            vVtx.emplace_back(i, 0, 0);
+        std::deque<Triangle2> triangles; // one for each edge: neighbours play no part
+        Edges vIn, vExpected;
+        for (const auto& [i, j] : vPairs) {
+            triangles.emplace_back();
+            triangles.back().setVertexPointer(1, &vVtx[i]);
+            triangles.back().setVertexPointer(2, &vVtx[j]);
+            vIn.emplace_back(&triangles.back(), 0);
+        }
+        for (const int i : vPositions)
+            vExpected.push_back(vIn[i]);
+        Edges v = vIn;
+        EXPECT_EQ(sortRingEdges(v), !vPositions.empty());
+        EXPECT_TRUE(v == (vPositions.empty() ? vIn : vExpected)) << vPairs.size();
+    }
+}
+
+TEST(EdgesToPolygons, BordersBecomeChainsBySharpestRightTurns) {
+    int numChoices = 0;
+    for (const PointSet& set : makeAllKinds(60)) {
+        const HalfMesh mesh(set.points);
+        Edges vEdges = borderEdges(mesh.vHalf), vRest, v;
+        std::shuffle(vEdges.begin(), vEdges.end(), std::mt19937(3));
+        std::vector<Edges> vvChains;
+        edgesToPolygons(vEdges, vvChains, vRest);
+        for (const Edges& vChain : vvChains)
+            v.insert(v.end(), vChain.begin(), vChain.end());
+        ASSERT_TRUE(vRest.empty() && std::is_permutation(vEdges.begin(), vEdges.end(), v.begin(), v.end()));
+        std::size_t k = 0; // position in v
+        for (const Edges& vChain : vvChains) {
+            const Point2 *pMin = vChain[0].getSrc(), *pLast = pMin;
+            const Point2 below(pMin->x(), pMin->y() - 1, 0), *pBack = &below;
+            for (std::size_t i = 0; i < vChain.size(); ++i, ++k) {
+                const Point2 *pSrc = vChain[i].getSrc(), *pTrg = vChain[i].getTrg();
+                EXPECT_TRUE(pSrc == pLast && (pSrc != pMin || i == 0));
+                // No edge that was left leads into the sector from the way back to the edge that was taken.
+                const bool bWide = exactOrientation(*pSrc, *pBack, *pTrg) < 0; // more than half a turn
+                for (std::size_t other = k + 1; other < v.size(); ++other) {
+                    EXPECT_FALSE(*v[other].getSrc() < *pMin);
+                    if (v[other].getSrc() != pSrc) continue;
+                    const bool bLeftOfBack = exactOrientation(*pSrc, *pBack, *v[other].getTrg()) > 0;
+                    const bool bRightOfTaken = exactOrientation(*pSrc, *pTrg, *v[other].getTrg()) < 0;
+                    EXPECT_FALSE(bWide ? bLeftOfBack || bRightOfTaken : bLeftOfBack && bRightOfTaken);
+                    ++numChoices;
+                }
+                pBack = pSrc;
+                pLast = pTrg;
+            }
+            EXPECT_EQ(pLast, pMin);
+        }
+    }
+    EXPECT_GT(numChoices, 100);
+}
+
+TEST(EdgesToPolygons, OpenChainsRemainAndBadInputThrows) {
+    const HalfMesh mesh(square);
+    Edges hull = borderEdges(mesh.vAll), vRest{hull[0]};
+    ASSERT_TRUE(sortRingEdges(hull)); // from the lower left corner
+    std::vector<Edges> vvChains(1);
+    edgesToPolygons({}, vvChains, vRest);
+    edgesToPolygons({hull[2], hull[0], hull[1]}, vvChains, vRest);
+    const ScratchDirectory scratch; // for the failure log
+    CoutCapture capture;
+    const std::pair<Edges, std::string> aCase[] = {
+        {{hull[2], hull[3]}, "vEdge.size()==1"}, // its leftmost vertex is only a target
+        {{hull[0], hull[1], hull[1]}, "numErased==1"},
+        {{hull[0], hull[0]}, "false"}};
+    for (const auto& [v, condition] : aCase) {
+        EXPECT_THROW(edgesToPolygons(v, vvChains, vRest), KelmException);
+        EXPECT_TRUE(capture.printed("Condition [ " + condition + " failed ]")) << condition;
+    }
+    EXPECT_TRUE(vvChains.size() == 1 && vRest.size() == 4);
+}
+
+TEST(IsSimplePolygon, ClosedAndWithoutCrossing) {
+    const std::pair<bool, Segments> aCase[] = {
+        {true, ring},
+        {true, ring + Segments{{far, {9, 9, 5}}}}, // equal but for the height: left out
+        {true, ring + away},
+        {true, ring + touching},
+        {true, ring + ring},                         // the same constraints twice
+        {true, ringOf({far, {8, 8, 0}, {5, 5, 0}})}, // on one line
+        {false, {}},
+        {false, {{far, far}}},
+        {false, openRing},
+        {false, ringOf({square[0], square[2], square[1], square[3]})},
+        {false, ring + ringOf({{1, 1, 0}, {5, 1, 0}, {5, 2, 0}})},
+        {false, ring + ringOf({{2, 1, 0}, {5, 0, 0}, {5, 2, 0}})}, // a corner on a side
+        {false, ring + ringOf({{NAN, 0, 0}, far})}};
+    std::mt19937 engine(2);
+    for (std::size_t i = 0; i < std::size(aCase); ++i) {
+        Segments v = aCase[i].second;
+        shuffleAndFlip(v, engine);
+        CoutCapture capture;
+        EXPECT_EQ(isSimplePolygon(v), aCase[i].first) << i;
+        EXPECT_EQ(capture.take(), "") << i;
+    }
+}
+
+TEST(TriangleSets, BordersAndEdges) {
+    HalfMesh mesh(makeAllKinds(60)[0].points);
+    Segments vOne, vBorder;
+    getBorders({mesh.vAll[0]}, vOne);
+    EXPECT_TRUE(vOne.size() == 3 && vOne[1].getSrc() == *Edge2(mesh.vAll[0], 1).getSrc());
+    getBorders(mesh.vAll, vBorder);
+    std::vector<Point2> vHull;
+    std::vector<Point2*> vpHull;
+    mesh.dt.getConvexHull(true, vpHull);
+    for (const Point2* p : vpHull)
+        vHull.push_back(*p);
+    EXPECT_TRUE(sortRingCCW(vBorder) && isSame(vBorder, ringOf(vHull)));
+
+    Edges v, vDirected;
+    getDirectedEdges(mesh.vHalf, v); // these are sorted along, and then there twice
+    getDirectedEdges(mesh.vAll, vDirected);
+    getUndirectedEdges(mesh.vAll, v);
+    EXPECT_TRUE(std::is_permutation(v.begin(), v.end(), vDirected.begin(), vDirected.end()));
+    EXPECT_TRUE(std::is_sorted(v.begin(), v.end(), [](const Edge2& a, const Edge2& b) {
+        return VertexPair2(a.getSrc(), a.getTrg()) < VertexPair2(b.getSrc(), b.getTrg());
+    }));
+}
+
+TEST(TriangleSets, ComponentsEndAtBlockedEdges) {
+    const HalfMesh mesh(makeAllKinds(60)[0].points);
+    const auto pairOf = [](const Edge2& edge) { return VertexPair2(edge.getSrc(), edge.getTrg()); };
+    std::set<VertexPair2> sBlocked;
+    for (std::size_t i = 0; i < mesh.vHalf.size(); i += 7)
+        sBlocked.insert(pairOf(Edge2(mesh.vHalf[i], 2)));
+    for (const std::set<VertexPair2>& s : {std::set<VertexPair2>(), sBlocked}) {
+        std::vector<Triangles> vv;
+        getConnectedComponents(mesh.vHalf, vv, s);
+        std::map<Triangle2*, std::size_t> mComponent;
+        const auto isLinked = [&](Triangle2* pT, int i) {
+            return mComponent.count(pT->getOppositeTriangle(i)) != 0 && s.count(pairOf(Edge2(pT, i))) == 0;
+        };
+        for (std::size_t c = 0; c < vv.size(); ++c) {
+            EXPECT_TRUE(c == 0 || std::less<Triangle2*>()(vv[c - 1][0], vv[c][0]));
+            for (Triangle2* pT : vv[c]) { // the first is linked to none before, every other one to its own
+                int numLinks = 0, numOwn = 0;
+                for (int i = 0; i < 3; ++i) {
+                    numLinks += isLinked(pT, i);
+                    numOwn += isLinked(pT, i) && mComponent[pT->getOppositeTriangle(i)] == c;
+                }
+                EXPECT_TRUE(numLinks == numOwn && (numLinks == 0) == (pT == vv[c][0]));
+                mComponent[pT] = c;
+            }
+        }
+        EXPECT_TRUE(mComponent.size() == mesh.vHalf.size() && vv.size() > 5);
+    }
+    CoutCapture capture;
+    std::vector<Triangles> vv;
+    getConnectedComponents({}, vv);
+    EXPECT_TRUE(vv.empty() && capture.take().empty());
+    getConnectedComponents({mesh.vAll[0], mesh.vAll[0]}, vv);
+    EXPECT_TRUE(vv.size() == 1 && vv[0].size() == 1);
+    EXPECT_TRUE(capture.printed("getConnectedComponents, WARNING:  wrong number of triangles\n"));
+}
