@@ -86,8 +86,10 @@ Point2 chooseSplitPoint(const Point2& p0, const Point2& p1, const Point2* const 
         const Point2 foot = getFootPoint(p0, p1, *pApex);
         if (foot == p0 || foot == p1) continue;
         const double h = distance2D(*pApex, foot), d0 = distance2D(foot, p0), d1 = distance2D(foot, p1);
-        if ((h < nearApex && h / d0 < nearRatio && h / d1 < nearRatio) || h < touchingApex) return *pApex;
-        if (h / distance2D(p0, p1) < nearRatio && isOnSegment(p0, p1, foot)) split = foot;
+        const bool bTouching = (h < nearApex && h / d0 < nearRatio && h / d1 < nearRatio) || h < touchingApex;
+        if (bTouching && isProgress(p0, p1, *pApex)) return *pApex;
+        const bool bNear = h / distance2D(p0, p1) < nearRatio && isOnSegment(p0, p1, foot);
+        if (bNear && isProgress(p0, p1, foot)) split = foot;
     }
     return split;
 }

@@ -136,10 +136,13 @@ void getIntersection2D(const Point2* p0, const Point2* p1, const Point2* q0, con
 /// know the two to cross. An end of one that lies beside the other, closer than 1e-6 to the crossing, is
 /// taken itself. Otherwise the height is that of the first constraint and the custom index is -1. Thread
 /// safe.
-///
-/// A segment that is divided at the result gets pieces that are shorter, or have smaller boxes: so divisions
-/// come to an end whatever the rounding.
+/// The result is a progress for both.
 Point2 getIntersection25D(const Point2& c0, const Point2& c1, const Point2& s, const Point2& t);
+
+/// Whether dividing the segment of a and b at c, unless that is an end, gives shorter pieces or ones with
+/// smaller boxes. Lengths as they are computed never grow along such divisions, and boxes shrink while lengths
+/// stay: so no segment comes to contain itself, and divisions end whatever the rounding.
+bool isProgress(const Point2& a, const Point2& b, const Point2& c) noexcept;
 
 /// Whether c, which is known to lie near the line of a and b, lies between them: a distance test in the
 /// plane, not a collinearity test.

@@ -72,16 +72,13 @@ bool isInBox(const Point2& a, const Point2& b, const Point2& c) noexcept {
            c.y() >= std::fmin(a.y(), b.y()) && c.y() <= std::fmax(a.y(), b.y());
 }
 
-/// Whether dividing the segment at c, unless that is an end, gives shorter pieces or ones with smaller boxes.
-/// Lengths as they are computed never grow along such divisions, and boxes shrink while lengths stay: no
-/// segment can come to contain itself.
+} // namespace
+
 bool isProgress(const Point2& a, const Point2& b, const Point2& c) noexcept {
     if (isInBox(a, b, c)) return true;
     const double length = squaredDistance2D(a, b);
     return squaredDistance2D(a, c) < length && squaredDistance2D(b, c) < length;
 }
-
-} // namespace
 
 bool isOnSegment(const Point2& a, const Point2& b, const Point2& c) noexcept {
     if (c == a || c == b) return true;

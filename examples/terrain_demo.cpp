@@ -1,5 +1,5 @@
-// Triangulates a terrain file, asks the mesh for its hull and for heights along a line, checks it, and leaves
-// a mesh, a map and a scene for the browser behind.
+// Triangulates a terrain file, asks the mesh for its hull and for heights along a line, makes break lines
+// and a boundary part of it, checks it, and leaves a mesh, a map and a scene for the browser behind.
 // Usage: terrain_demo POINTS.xyz OUTPUT_FOLDER
 
 #include <kelm25d/kelm25d.h>
@@ -63,6 +63,70 @@ std::vector<Segment2> profileOf(Kelm_2D& dt) {
     return vExact;
 }
 
+/// The way down from a place: in each step to the lowest place at a given distance, as long as that is lower.
+void addDescent(Kelm_2D& dt, Point2 place, double step, std::vector<Segment2>& vLines) {
+    for (bool bLower = true; bLower;) {
+        std::vector<Point2> vAround;
+        generateCircle(32, place.x(), place.y(), 0.0, step, step, vAround);
+        const Point2 from = place;
+        for (const Point2& candidate : vAround) {
+            double z = 0.0;
+            if (!dt.getHeight(candidate.x(), candidate.y(), z) || z >= place.z()) continue;
+            place = Point2(candidate.x(), candidate.y(), z);
+        }
+        bLower = place.z() < from.z();
+        if (bLower) vLines.emplace_back(from, place);
+    }
+}
+
+/// Ways down from a grid of places, to be break lines of the mesh.
+std::vector<Segment2> breakLinesOf(Kelm_2D& dt) {
+    constexpr int numStarts = 12; // in each direction
+    const Bbox2 box = dt.computeBoundingBox();
+    std::vector<Segment2> vLines;
+    for (int i = 1; i < numStarts; ++i) {
+        for (int j = 1; j < numStarts; ++j) {
+            const double x = box.get_minX() + box.getRangeX() * i / numStarts,
+                         y = box.get_minY() + box.getRangeY() * j / numStarts;
+            double z = 0.0;
+            if (dt.getHeight(x, y, z)) addDescent(dt, Point2(x, y, z), box.getRangeX() / 60, vLines);
+        }
+    }
+    return vLines;
+}
+
+/// A polygon within the terrain, on its surface.
+std::vector<Segment2> boundaryOf(Kelm_2D& dt) {
+    const Bbox2 box = dt.computeBoundingBox();
+    const Point2 center = box.computeCenter();
+    std::vector<Point2> vCorners;
+    generateCircle(48, center.x(), center.y(), 0.0, 0.42 * box.getRangeX(), 0.42 * box.getRangeY(), vCorners);
+    for (Point2& corner : vCorners) {
+        double z = 0.0;
+        dt.getHeight(corner.x(), corner.y(), z);
+        corner.setZ(z);
+    }
+    std::vector<Segment2> vBoundary;
+    for (std::size_t i = 0; i < vCorners.size(); ++i) {
+        vBoundary.emplace_back(vCorners[i], vCorners[(i + 1) % vCorners.size()]);
+    }
+    return vBoundary;
+}
+
+/// Makes segments edges of the mesh. The result is the pieces as which they stand in it when all are there.
+const ConstraintGraph2* addConstraints(Kelm_2D& dt, const char* name,
+                                       const std::vector<Segment2>& vSegments) {
+    const unsigned numBefore = dt.numberOfPoints();
+    const auto start = std::chrono::steady_clock::now();
+    const ConstraintGraph2* pGraph = dt.createConstraint(vSegments, CIS_CONSTRAINED_DELAUNAY);
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    if (pGraph == nullptr) return nullptr;
+    std::printf("%-13s %12zu segments, %u new vertices, %s, %.4f s\n", name, vSegments.size(),
+                dt.numberOfPoints() - numBefore, pGraph->isPolygon() ? "one closed polygon" : "open lines",
+                elapsed.count());
+    return pGraph;
+}
+
 /// From green in the valleys over brown to white, lit from the north-west.
 Color shade(const Triangle2& t, double minZ, double maxZ) {
     const Vector2 u = *t.getCorner(1) - *t.getCorner(0), v = *t.getCorner(2) - *t.getCorner(0);
@@ -77,6 +141,7 @@ Color shade(const Triangle2& t, double minZ, double maxZ) {
 }
 
 void drawMap(Kelm_2D& dt, const std::vector<Segment2>& vHull, const std::vector<Segment2>& vProfile,
+             const ConstraintGraph2* pBreakLines, const ConstraintGraph2* pBoundary,
              const std::string& filename) {
     std::vector<Triangle2*> vTriangles;
     dt.getTrianglePointers(vTriangles);
@@ -86,10 +151,12 @@ void drawMap(Kelm_2D& dt, const std::vector<Segment2>& vHull, const std::vector<
         maxZ = std::max(maxZ, pT->getCorner(0)->z());
     }
     Visualizer2 map(filename);
-    map.addHeaderLine("Terrain with its convex hull and a draped diagonal");
+    map.addHeaderLine("Terrain with its convex hull, a draped diagonal, break lines and a boundary");
     for (const Triangle2* pT : vTriangles) {
         map.addObject(*pT, shade(*pT, minZ, maxZ));
     }
+    if (pBreakLines != nullptr) pBreakLines->show(&map, Color(0.0, 0.1, 0.8, 0.8, false));
+    if (pBoundary != nullptr) pBoundary->show(&map, Color(CBLACK, 1.5F, false));
     map.addObject(vHull, Color(CBLUE, 1.5F, false));
     map.addObject(vProfile, Color(CRED, 1.0F, false));
     map.writeFile();
@@ -118,12 +185,20 @@ int main(int argc, char** argv) {
     printSummary(dt, elapsed.count());
     const std::vector<Segment2> vHull = hullOf(dt);
     const std::vector<Segment2> vProfile = profileOf(dt);
+
+    std::printf("\nConstraints\n");
+    const ConstraintGraph2* pBreakLines = addConstraints(dt, "break lines", breakLinesOf(dt));
+    const ConstraintGraph2* pBoundary = addConstraints(dt, "boundary", boundaryOf(dt));
+    std::vector<ConstraintSegment2*> vPieces;
+    dt.getAliveConstraintSegments(vPieces);
+    std::printf("%-13s %12zu constrained edges\n", "together", vPieces.size());
+
     const bool bValid = dt.checkValidity(true, "terrain_demo");
     std::printf("\nThe mesh is %s: links and empty circles checked.\n\n", bValid ? "valid" : "BROKEN");
 
     const std::string folder = argv[2];
     dt.writeObj(folder + "/terrain.obj");
-    drawMap(dt, vHull, vProfile, folder + "/terrain_map.ps");
+    drawMap(dt, vHull, vProfile, pBreakLines, pBoundary, folder + "/terrain_map.ps");
     dt.writeWebScene((folder + "/web").c_str());
     std::printf("\nOpen %s/terrain.obj in a mesh viewer to see the terrain,\n", argv[2]);
     std::printf("     %s/terrain_map.ps in a PostScript viewer for the map,\n", argv[2]);
