@@ -14,8 +14,9 @@
 // pieces are treated again: whatever they meet on their slightly different ways is resolved by the same
 // rules. Every decision on the way is exact, and getIntersection25D sees to it that this comes to an end.
 //
-// Conforming insertion adds the middle of a segment as a vertex and leaves the halves to the next round
-// (ConstraintMgr::apply).
+// Conforming insertion forces no edge. It divides a segment at a vertex on it, at a crossing with another
+// constraint, both of them, which no halving would ever reach, or else at a new vertex in its middle, and
+// leaves the pieces to the next round (ConstraintMgr::apply).
 
 #include "Dt2.h"
 
@@ -114,25 +115,31 @@ void Dt2::newCDT_applyOneCS(ConstraintSegment2* pInitialCSeg) {
 
 /// Inserts a segment, or divides it at the first thing it meets; what is left to do goes to the stack.
 void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSegment2*>& vStack) {
-    const auto splitAt = [&](ConstraintSegment2* pDivided, Point2* pSplit) {
-        const bool bOK = pDivided->split_combinatorialOnly(pSplit);
-        if (bOK) {
-            pDivided->getChildrenRec(vStack);
-        } else {
-            printWarning("Dt2::treatConstraintZone()", // "numerica" is misspelled deliberately
-                         "intersection point of two constraints has bad numerica accuracy!");
-        }
-        return bOK;
-    };
     Crossing crossing;
     if (Point2* pExistingVertex = newCDT_traverseCZ(pCSeg, crossing)) {
-        KELM_CHECK(pExistingVertex!=pCSeg->getSrc());
-        KELM_CHECK(pExistingVertex!=pCSeg->getTrg());
-        splitAt(pCSeg, pExistingVertex);
-        return;
+        newCDT_divide(pCSeg, pExistingVertex, vStack);
+    } else if (crossing.pCrossingCSeg != nullptr) {
+        newCDT_divideAtCrossing(pCSeg, crossing, vStack);
     }
+}
+
+/// Divides a segment at a vertex; the pieces go to the stack. False, after a warning, if that can't be.
+bool Dt2::newCDT_divide(ConstraintSegment2* pCSeg, Point2* pSplit, std::vector<ConstraintSegment2*>& vStack) {
+    const bool bOK = pCSeg->split_combinatorialOnly(pSplit);
+    if (bOK) {
+        pCSeg->getChildrenRec(vStack);
+    } else {
+        printWarning("Dt2::treatConstraintZone()", // "numerica" is misspelled deliberately
+                     "intersection point of two constraints has bad numerica accuracy!");
+    }
+    return bOK;
+}
+
+/// Divides both segments at their crossing, the first only if the crossing is not one of its ends; what is
+/// left of both goes to the stack.
+void Dt2::newCDT_divideAtCrossing(ConstraintSegment2* pCSeg, const Crossing& crossing,
+                                  std::vector<ConstraintSegment2*>& vStack) {
     ConstraintSegment2* pCrossingCSeg = crossing.pCrossingCSeg;
-    if (pCrossingCSeg == nullptr) return; // the segment is an edge now
     const Point2& splitPoint = crossing.splitPoint;
     KELM_CHECK(splitPoint!=*pCrossingCSeg->getSrc() && splitPoint!=*pCrossingCSeg->getTrg());
     const bool bSplitBoth = splitPoint != *pCSeg->getSrc() && splitPoint != *pCSeg->getTrg();
@@ -142,10 +149,10 @@ void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSeg
     if (bSplitBoth) pCSeg->markDead();
     Point2* pSplit = newCDT_insertCrossing(crossing);
     pCrossingCSeg->markAlive();
-    const bool bOK = splitAt(pCrossingCSeg, pSplit);
+    const bool bOK = newCDT_divide(pCrossingCSeg, pSplit, vStack);
     if (bSplitBoth) {
         pCSeg->markAlive();
-        splitAt(pCSeg, pSplit);
+        newCDT_divide(pCSeg, pSplit, vStack);
     } else if (bOK) {
         vStack.push_back(pCSeg);
     }
@@ -168,9 +175,21 @@ Point2* Dt2::newCDT_insertCrossing(const Crossing& crossing) {
     return pSplit;
 }
 
-/// Walks along a segment and makes it an edge if nothing is in the way. Otherwise nothing is changed, and the
-/// result is a vertex on the segment, or null and a crossing.
+/// Makes a segment an edge if nothing is in the way. Otherwise nothing is changed, and the result is as of
+/// newCDT_walk.
 Point2* Dt2::newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossing) {
+    Point2* pMet = newCDT_walk(pCSeg, crossing);
+    if (pMet == nullptr && crossing.pCrossingCSeg == nullptr && !vCorridor.empty()) {
+        newCDT_replaceCorridor(pCSeg->getTrg(), pCSeg->getSrc());
+    }
+    return pMet;
+}
+
+/// Walks along a segment from its higher end to the first thing it meets: the result is a vertex on the
+/// segment, or null and a crossing with another constraint. If it meets nothing the corridor and the chains
+/// at its sides are complete; the corridor is empty if the segment is an edge.
+Point2* Dt2::newCDT_walk(const ConstraintSegment2* pCSeg, Crossing& crossing) {
+    vCorridor.clear();
     // From the higher address: of the ends of a piece that is mostly the vertex just inserted, whose
     // surroundings are in the cache, and which has few neighbours.
     Point2 *pStart = pCSeg->getTrg(), *pStop = pCSeg->getSrc();
@@ -210,7 +229,7 @@ Point2* Dt2::newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossi
             if (pVtx != pStop) return pVtx; // not forgotten as an inner vertex here, deliberately
             vRightChain.push_back({pRight, pN, incIndexBy1(k)});
             vLeftChain.push_back({pStop, pN, incIndexBy2(k)});
-            break;
+            return nullptr;
         }
         if (side == ORIENTATION2_CW) {
             vRightChain.push_back({pRight, pN, incIndexBy1(k)});
@@ -221,8 +240,6 @@ Point2* Dt2::newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossi
         }
         pT = pN;
     }
-    newCDT_replaceCorridor(pStart, pStop);
-    return nullptr;
 }
 
 /// Looks around the start for the way to the stop: the triangle whose opposite edge the segment crosses, or
@@ -328,21 +345,25 @@ void Dt2::newCDT_legalizeEdge(const Point2* a, const Point2* b) {
 // --- conforming insertion ---------------------------------------------------------------------------------
 
 void Dt2::insertSegmentConformingDelaunay(ConstraintSegment2* pCSeg) {
-    Point2 *a = pCSeg->getSrc(), *b = pCSeg->getTrg();
-    if (findEdge(a, b).getTriangle() != nullptr) return;
+    const Point2 *a = pCSeg->getSrc(), *b = pCSeg->getTrg();
     const auto giveUp = [] {
         printWarning("Dt2::insertSegmentConformingDelaunay()",
                      "Double precision arithmetic does not allow to split a segment further, giving up. "
                      "Incorrect result!");
     };
-    std::vector<Point2*> vNeighbours;
-    getIncidentVertices(a, vNeighbours);
-    for (Point2* pVtx : vNeighbours) {
-        if (!isOnSegment(*a, *b, *pVtx)) continue;
-        if (quorTest.getOrientation2Filtered(a, b, pVtx) != ORIENTATION2_COLLINEAR) continue;
-        if (!pCSeg->split_combinatorialOnly(pVtx)) giveUp();
+    Crossing crossing;
+    std::vector<ConstraintSegment2*> vPieces; // left to the next round
+    if (Point2* pExistingVertex = newCDT_walk(pCSeg, crossing)) {
+        newCDT_divide(pCSeg, pExistingVertex, vPieces);
         return;
     }
+    if (ConstraintSegment2* pCrossingCSeg = crossing.pCrossingCSeg) {
+        newCDT_divideAtCrossing(pCSeg, crossing, vPieces);
+        // The one that was forced in stays so.
+        if (pCrossingCSeg->getCIS() == CIS_CONSTRAINED_DELAUNAY) constraintMgr.applyOne(pCrossingCSeg);
+        return;
+    }
+    if (vCorridor.empty()) return; // it is an edge
     const double maxAbsCoordinate = std::max(a->getMaxAbs(), b->getMaxAbs());
     const double ulp =
         std::ldexp(epsilon, static_cast<int>(std::ceil(std::log(maxAbsCoordinate) / std::log(2.0))));

@@ -48,7 +48,7 @@ const std::uint8_t* const HC2::aTripleStep = tripleStepTable.data();
 
 HC2::HC2(double minX_, double minY_, double maxX_, double maxY_, unsigned bitLength_)
     : bitLength(bitLength_), shift(static_cast<std::int32_t>(bitLength_) - 2), minX(minX_), minY(minY_),
-      maxX(maxX_), maxY(maxY_), rangeX(maxX_ - minX_), rangeY(maxY_ - minY_), bStandard(bitLength_ == 30) {
+      rangeX(maxX_ - minX_), rangeY(maxY_ - minY_), bStandard(bitLength_ == 30) {
     if (bitLength > 32 || bitLength % 2 != 0) printError("HC2::HC2(..)", "invalid bitlength");
     numCells = 1U << std::min(bitLength / 2, 31U);
     scaleX = scaleFor(numCells, rangeX);

@@ -50,7 +50,6 @@ private:
     std::uint32_t bitLength;
     std::int32_t shift;     // left shift of the first key digit
     double minX, minY;      // lower corner of the key range
-    double maxX, maxY;      // upper corner
     double rangeX, rangeY;  // extents
     double scaleX, scaleY;  // cells per unit; 0 on an axis without extent
     std::uint32_t numCells; // per axis

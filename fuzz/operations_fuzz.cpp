@@ -134,7 +134,9 @@ private:
             if (vGiven.empty()) break;
             const Segment2 again = vGiven[input.byte() % vGiven.size()];
             ConstraintGraph2* pGraph = dt.createConstraint({again}, strategy());
-            if (dt.is2D() && pGraph != nullptr) pGraph->makeDelaunay(0.5);
+            if (!dt.is2D() || pGraph == nullptr) break;
+            if ((flags & 3) != 0) bBent = true; // off the grid it may bend constraints to near vertices
+            pGraph->makeDelaunay(0.5);
             break;
         }
         case 10: {

@@ -8,6 +8,12 @@ hasHeader() {
     echo "#include <$1>" | c++ -E -x c++ - >/dev/null 2>&1
 }
 
+# Whether Clang can build fuzz targets.
+hasFuzzer() {
+    echo 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }' |
+        clang++ -fsanitize=fuzzer -x c++ - -o /dev/null
+}
+
 # Adds a package to the list of missing ones unless the test command behind it succeeds.
 missing=()
 need() {

@@ -9,12 +9,13 @@ namespace QUOR_KELM25D {
 ///
 /// Constrained insertion forces the segment into the mesh as one edge, or as several where it meets vertices
 /// or other constraints; the edges need not have empty circles. Conforming insertion adds vertices on the
-/// segment until every piece is an edge of the Delaunay triangulation by itself.
+/// segment until every piece is an edge of the Delaunay triangulation by itself. Where two constraints cross,
+/// both are divided at a vertex with the height of the one that was there first.
 enum ConstraintInsertionStrategy {
     /// Conforming. A new vertex gets the height of the surface at its place; outside the hull the mean of the
     /// two ends of the piece it divides.
     CIS_CONFORMING_SURFACE_HEIGHT = 0,
-    /// Constrained. A crossing with another constraint gets the height of the one that was there first.
+    /// Constrained. New vertices arise at crossings only.
     CIS_CONSTRAINED_DELAUNAY = 1,
     /// Conforming. A new vertex gets the mean height of the two ends of the piece it divides.
     CIS_CONFORMING_LINEAR_HEIGHT = 2

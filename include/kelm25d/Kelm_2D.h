@@ -259,8 +259,8 @@ public:
     /// Reads a file that save() has written, into this triangulation: all points are inserted, and the
     /// segments become one group of constraints with CIS_CONSTRAINED_DELAUNAY. What was there stays. Of a
     /// file that is shorter than its own counts the complete records are read.
-    /// @return false if the file can't be read ("FILENAME can't be read") or is of another type ("FILENAME
-    /// should have type 301 but has TYPE")
+    /// @return false if the file can't be read ("FILENAME can't be read"), is of another type ("FILENAME should
+    /// have type 301 but has TYPE"), or holds an x or y that is not finite (an error line, nothing is inserted)
     bool load(const char* filename);
 
     /// The implementation, for the library's own classes.

@@ -199,8 +199,9 @@ bool joins(const ConstraintSegment2* pSegment, const Point2* a, const Point2* b)
 }
 
 /// A crossing is rounded to doubles, which moves it by less than one unit in the last place of each
-/// coordinate, or snaps to an end that is closer than 1e-6. This holds for each split; below it, the pieces
-/// are what the next split is measured against, so that the deviations from an original add up.
+/// coordinate, or takes an end that is closer than 1e-6 or than a few units, for which there are eight here,
+/// with those that this function itself loses. That is for each split: the pieces are what the splits below
+/// are measured against, so that the deviations from an original add up.
 bool isNear(const Point2& s, const Point2& a, const Point2& b) {
     const double dx = b.x() - a.x(), dy = b.y() - a.y(), sx = s.x() - a.x(), sy = s.y() - a.y();
     const double length = std::hypot(dx, dy);
@@ -209,7 +210,7 @@ bool isNear(const Point2& s, const Point2& a, const Point2& b) {
                             : along > length ? std::hypot(s.x() - b.x(), s.y() - b.y())
                                              : std::fabs(dx / length * sy - dy / length * sx);
     const double magnitude = std::max({a.getMaxAbs(), b.getMaxAbs(), s.getMaxAbs()});
-    return distance <= 1.000001e-6 + std::ldexp(magnitude, -50);
+    return distance <= 1.000001e-6 + std::ldexp(magnitude, -49);
 }
 
 std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const SegmentMap& mAll) {
