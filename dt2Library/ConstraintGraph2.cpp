@@ -6,6 +6,7 @@
 #include <kelm25d/ConstraintGraph2.h>
 
 #include "Dt2.h"
+#include "LeafWalk.h"
 #include "footPoint.h"
 #include "messages.h"
 
@@ -180,12 +181,14 @@ void ConstraintGraph2::setReverse(ConstraintSegment2* pSegment, bool bReverse) {
     pOwner->bDirected = true;
 }
 
-/// Gives the whole tree below a segment of known direction its directions.
+/// Gives the tree below a segment of known direction its directions. What has one keeps it, and so does what
+/// is below that: where a bent constraint runs over itself the first direction holds.
 void ConstraintGraph2::fillChildFlags(ConstraintSegment2* pParent) {
     Segments vDivided; // below the parent; mostly there are none
     for (ConstraintSegment2* pCSeg = pParent;;) {
         for (ConstraintSegment2* pChild : pCSeg->aChild) {
             if (pChild == nullptr) break;
+            if (pChild->findOwner(this)->bDirected) continue;
             // A child that has the parent's lower end as its own, or the higher one, runs the same way.
             const bool bSameWay = pChild->p0 == pCSeg->p0 || pChild->p1 == pCSeg->p1;
             setReverse(pChild, bSameWay == isReverse(pCSeg));
@@ -221,12 +224,9 @@ void ConstraintGraph2::getOriginalConstraintSegments(Segments& vSegmentsOut) con
 }
 
 void ConstraintGraph2::getChildConstraintSegments(Segments& vSegmentsOut) const {
-    for (ConstraintSegment2* pCSeg : vCSegParents) {
-        if (pCSeg->isAlive()) {
-            vSegmentsOut.push_back(pCSeg);
-        } else {
-            pCSeg->getChildrenRec(vSegmentsOut);
-        }
+    LeafWalk walk(vCSegParents);
+    while (ConstraintSegment2* pLeaf = walk.next()) {
+        vSegmentsOut.push_back(pLeaf);
     }
     sortUnique(vSegmentsOut);
 }

@@ -4,6 +4,7 @@
 #include "ConstraintMgr.h"
 
 #include "Dt2.h"
+#include "LeafWalk.h"
 #include "messages.h"
 
 #include <kelm25d/dataFiles.h>
@@ -19,7 +20,11 @@ namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr int maxRounds = 499;     // of apply(): the only bound on segments that keep dividing one another
+// Bounds of apply() on segments that keep dividing one another: rounds, and pieces altogether, since
+// conforming segments that nearly coincide may double theirs in every round.
+constexpr int maxRounds = 499;
+constexpr std::size_t maxPieces = 1000000;
+constexpr std::size_t maxPiecesPerSegment = 100;
 constexpr int debugDigits = 70;    // enough for every double to come out exactly in the usual range
 constexpr int stepsPerSegment = 3; // of progress: ends, graph, insertion
 
@@ -197,15 +202,9 @@ void ConstraintMgr::applyAll(const Segments& vNew) {
 
 void ConstraintMgr::applyOne(ConstraintSegment2* pSegment) {
     if (!pDt->is2D()) return;
-    Segments vStack = {pSegment};
-    while (!vStack.empty()) {
-        ConstraintSegment2* pCSeg = vStack.back();
-        vStack.pop_back();
-        if (!pCSeg->isAlive()) {
-            const auto first = static_cast<std::ptrdiff_t>(vStack.size());
-            pCSeg->getChildrenRec(vStack);
-            std::reverse(vStack.begin() + first, vStack.end());
-        } else if (pCSeg->getCIS() == CIS_CONSTRAINED_DELAUNAY) {
+    LeafWalk walk({pSegment});
+    while (ConstraintSegment2* pCSeg = walk.next()) {
+        if (pCSeg->getCIS() == CIS_CONSTRAINED_DELAUNAY) {
             pDt->newCDT_applyOneCS(pCSeg);
         } else if (pCSeg->getCIS() == CIS_CONFORMING_SURFACE_HEIGHT ||
                    pCSeg->getCIS() == CIS_CONFORMING_LINEAR_HEIGHT) {
@@ -217,25 +216,18 @@ void ConstraintMgr::applyOne(ConstraintSegment2* pSegment) {
 }
 
 void ConstraintMgr::apply() {
-    Segments vWork, vNext;
-    getAliveSegments(vWork);
     ProgressPublisher& progress = pDt->getProgress();
-    progress.begin("apply", toSteps(vWork.size()));
+    progress.begin("apply", toSteps(vSegments.size()));
     // What one insertion settles a later one may divide.
+    const std::size_t limit = maxPieces + maxPiecesPerSegment * vSegments.size();
     bool bSettled = false;
-    for (int round = 0; round < maxRounds && !bSettled; ++round) {
-        vNext.clear();
-        for (ConstraintSegment2* pCSeg : vWork) {
+    for (int round = 0; round < maxRounds && vSegments.size() <= limit && !bSettled; ++round) {
+        const std::size_t numBefore = vSegments.size(), divisionsBefore = numDivisions;
+        for (std::size_t i = 0; i < numBefore; ++i) {
             progress.advance(1);
-            if (pCSeg->isAlive()) applyMuted(pCSeg);
-            if (pCSeg->isAlive()) {
-                vNext.push_back(pCSeg);
-            } else {
-                pCSeg->getChildrenRec(vNext);
-            }
+            if (vSegments[i]->isAlive()) applyMuted(vSegments[i].get());
         }
-        bSettled = vNext == vWork;
-        vWork.swap(vNext);
+        bSettled = numDivisions == divisionsBefore;
     }
     if (!bSettled) {
         printWarning("ConstraintMgr::apply()", "insufficient numeric accuracy, need to skip last insertions");
@@ -251,12 +243,9 @@ void ConstraintMgr::writeGraphs(const std::string& name, const std::string& endi
     for (std::size_t i = 0; i < vConstraintGraphs.size(); ++i) {
         Segments vOriginal, vLeaves;
         vConstraintGraphs[i]->getOriginalConstraintSegments(vOriginal);
-        for (ConstraintSegment2* pCSeg : vOriginal) {
-            if (pCSeg->isAlive()) {
-                vLeaves.push_back(pCSeg);
-            } else {
-                pCSeg->getChildrenRec(vLeaves);
-            }
+        LeafWalk walk({vOriginal.rbegin(), vOriginal.rend()});
+        while (ConstraintSegment2* pLeaf = walk.next()) {
+            vLeaves.push_back(pLeaf);
         }
         std::vector<Segment2> vPieces;
         for (const ConstraintSegment2* pLeaf : vLeaves) {

@@ -38,6 +38,8 @@ public:
     bool hasConstraints() const noexcept { return !vSegments.empty(); }
     /// The segment of the pair. Made if it is new; if not, the strategy has no effect.
     ConstraintSegment2* getSegment(Point2* a, Point2* b, ConstraintInsertionStrategy cis);
+    /// To be told of every division of a segment.
+    void countDivision() noexcept { ++numDivisions; }
     /// The segment of the pair, alive or dead, or null.
     ConstraintSegment2* findSegment(const Point2* a, const Point2* b) const noexcept {
         return segmentTable.find(a, b);
@@ -49,7 +51,9 @@ public:
     bool isConstraintEdge(const Point2* a, const Point2* b) const noexcept {
         return segmentTable.isConstraintEdge(a, b);
     }
-    bool isConstraintVertex(const Point2* pVtx) const noexcept { return segmentTable.isConstraintVertex(pVtx); }
+    bool isConstraintVertex(const Point2* pVtx) const noexcept {
+        return segmentTable.isConstraintVertex(pVtx);
+    }
     /// Append all segments, or the alive ones, by the addresses of their ends.
     void getAllSegments(Segments& vSegmentsOut) const;
     void getAliveSegments(Segments& vSegmentsOut) const;
@@ -96,6 +100,7 @@ private:
 
     Dt2* pDt;
     SegmentTable& segmentTable;
+    std::size_t numDivisions = 0;
     std::vector<std::unique_ptr<ConstraintSegment2>> vSegments;       // in order of creation
     std::vector<std::unique_ptr<ConstraintGraph2>> vConstraintGraphs; // in order of creation
 };

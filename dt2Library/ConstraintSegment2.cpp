@@ -127,6 +127,7 @@ bool ConstraintSegment2::divide(Point2* pSplit) {
             return false;
         }
     }
+    mgr.countDivision();
     aChild[0] = mgr.getSegment(p0, pSplit, cis);
     aChild[1] = mgr.getSegment(p1, pSplit, cis);
     for (const Owner& owner : sOwners) {

@@ -31,6 +31,7 @@
 
 namespace QUOR_KELM25D {
 
+class LeafWalk;
 class Visualizer2;
 class Visualizer3;
 
@@ -212,10 +213,9 @@ private:
         int idx;
     };
     Point2* newCDT_insertCrossing(const Crossing& crossing);
-    bool newCDT_divide(ConstraintSegment2* pCSeg, Point2* pSplit, std::vector<ConstraintSegment2*>& vStack);
-    void newCDT_divideAtCrossing(ConstraintSegment2* pCSeg, const Crossing& crossing,
-                                 std::vector<ConstraintSegment2*>& vStack);
-    void newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSegment2*>& vStack);
+    bool newCDT_divide(ConstraintSegment2* pCSeg, Point2* pSplit);
+    bool newCDT_divideAtCrossing(ConstraintSegment2* pCSeg, const Crossing& crossing);
+    void newCDT_treatOneCS(ConstraintSegment2* pCSeg, LeafWalk& walk);
     Point2* newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossing);
     Point2* newCDT_walk(const ConstraintSegment2* pCSeg, Crossing& crossing);
     Point2* newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT, bool& bEdge);

@@ -21,6 +21,7 @@
 #include "Dt2.h"
 
 #include "Fan.h"
+#include "LeafWalk.h"
 #include "centerWithShift.h"
 #include "messages.h"
 
@@ -101,44 +102,37 @@ Edge2 Dt2::findEdge(const Point2* a, const Point2* b) {
 void Dt2::newCDT_applyOneCS(ConstraintSegment2* pInitialCSeg) {
     KELM_CHECK(pInitialCSeg->getCIS()==CIS_CONSTRAINED_DELAUNAY);
     KELM_CHECK(pInitialCSeg->isAlive());
-    std::vector<ConstraintSegment2*> vStack = {pInitialCSeg};
-    while (!vStack.empty()) {
-        ConstraintSegment2* pCSeg = vStack.back();
-        vStack.pop_back();
-        if (pCSeg->isAlive()) {
-            newCDT_treatOneCS(pCSeg, vStack);
-        } else {
-            pCSeg->getChildrenRec(vStack);
-        }
+    LeafWalk walk({pInitialCSeg});
+    while (ConstraintSegment2* pCSeg = walk.next()) {
+        newCDT_treatOneCS(pCSeg, walk);
     }
 }
 
-/// Inserts a segment, or divides it at the first thing it meets; what is left to do goes to the stack.
-void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, std::vector<ConstraintSegment2*>& vStack) {
+/// Inserts a segment, or divides it at the first thing it meets; what is left to do joins the walk.
+void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, LeafWalk& walk) {
     Crossing crossing;
     if (Point2* pExistingVertex = newCDT_traverseCZ(pCSeg, crossing)) {
-        newCDT_divide(pCSeg, pExistingVertex, vStack);
-    } else if (crossing.pCrossingCSeg != nullptr) {
-        newCDT_divideAtCrossing(pCSeg, crossing, vStack);
+        if (newCDT_divide(pCSeg, pExistingVertex)) walk.push(pCSeg);
+    } else if (ConstraintSegment2* pCrossingCSeg = crossing.pCrossingCSeg) {
+        const bool bOK = newCDT_divideAtCrossing(pCSeg, crossing);
+        if (!pCrossingCSeg->isAlive()) walk.push(pCrossingCSeg);
+        if (bOK) walk.push(pCSeg);
     }
 }
 
-/// Divides a segment at a vertex; the pieces go to the stack. False, after a warning, if that can't be.
-bool Dt2::newCDT_divide(ConstraintSegment2* pCSeg, Point2* pSplit, std::vector<ConstraintSegment2*>& vStack) {
+/// Divides a segment at a vertex. False, after a warning, if that can't be.
+bool Dt2::newCDT_divide(ConstraintSegment2* pCSeg, Point2* pSplit) {
     const bool bOK = pCSeg->split_combinatorialOnly(pSplit);
-    if (bOK) {
-        pCSeg->getChildrenRec(vStack);
-    } else {
+    if (!bOK) {
         printWarning("Dt2::treatConstraintZone()", // "numerica" is misspelled deliberately
                      "intersection point of two constraints has bad numerica accuracy!");
     }
     return bOK;
 }
 
-/// Divides both segments at their crossing, the first only if the crossing is not one of its ends; what is
-/// left of both goes to the stack.
-void Dt2::newCDT_divideAtCrossing(ConstraintSegment2* pCSeg, const Crossing& crossing,
-                                  std::vector<ConstraintSegment2*>& vStack) {
+/// Divides both segments at their crossing, the first only if the crossing is not one of its ends. False,
+/// after a warning, if one of them can't be divided.
+bool Dt2::newCDT_divideAtCrossing(ConstraintSegment2* pCSeg, const Crossing& crossing) {
     ConstraintSegment2* pCrossingCSeg = crossing.pCrossingCSeg;
     const Point2& splitPoint = crossing.splitPoint;
     KELM_CHECK(splitPoint!=*pCrossingCSeg->getSrc() && splitPoint!=*pCrossingCSeg->getTrg());
@@ -149,13 +143,12 @@ void Dt2::newCDT_divideAtCrossing(ConstraintSegment2* pCSeg, const Crossing& cro
     if (bSplitBoth) pCSeg->markDead();
     Point2* pSplit = newCDT_insertCrossing(crossing);
     pCrossingCSeg->markAlive();
-    const bool bOK = newCDT_divide(pCrossingCSeg, pSplit, vStack);
+    bool bOK = newCDT_divide(pCrossingCSeg, pSplit);
     if (bSplitBoth) {
         pCSeg->markAlive();
-        newCDT_divide(pCSeg, pSplit, vStack);
-    } else if (bOK) {
-        vStack.push_back(pCSeg);
+        bOK = newCDT_divide(pCSeg, pSplit) && bOK;
     }
+    return bOK;
 }
 
 /// Makes the crossing a vertex. The edge there is no constraint any more and loses its place if it violates
@@ -352,13 +345,12 @@ void Dt2::insertSegmentConformingDelaunay(ConstraintSegment2* pCSeg) {
                      "Incorrect result!");
     };
     Crossing crossing;
-    std::vector<ConstraintSegment2*> vPieces; // left to the next round
     if (Point2* pExistingVertex = newCDT_walk(pCSeg, crossing)) {
-        newCDT_divide(pCSeg, pExistingVertex, vPieces);
+        newCDT_divide(pCSeg, pExistingVertex); // the pieces are left to the next round
         return;
     }
     if (ConstraintSegment2* pCrossingCSeg = crossing.pCrossingCSeg) {
-        newCDT_divideAtCrossing(pCSeg, crossing, vPieces);
+        newCDT_divideAtCrossing(pCSeg, crossing);
         // The one that was forced in stays so.
         if (pCrossingCSeg->getCIS() == CIS_CONSTRAINED_DELAUNAY) constraintMgr.applyOne(pCrossingCSeg);
         return;

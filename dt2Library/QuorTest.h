@@ -140,8 +140,8 @@ void getIntersection2D(const Point2* p0, const Point2* p1, const Point2* q0, con
 Point2 getIntersection25D(const Point2& c0, const Point2& c1, const Point2& s, const Point2& t);
 
 /// Whether dividing the segment of a and b at c, unless that is an end, gives shorter pieces or ones with
-/// smaller boxes. Lengths as they are computed never grow along such divisions, and boxes shrink while lengths
-/// stay: so no segment comes to contain itself, and divisions end whatever the rounding.
+/// smaller boxes. Lengths as they are computed never grow along such divisions, and boxes shrink while
+/// lengths stay: so no segment comes to contain itself, and divisions end whatever the rounding.
 bool isProgress(const Point2& a, const Point2& b, const Point2& c) noexcept;
 
 /// Whether c, which is known to lie near the line of a and b, lies between them: a distance test in the

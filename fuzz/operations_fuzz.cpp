@@ -58,17 +58,18 @@ public:
 private:
     double coordinate() {
         const unsigned value = input.byte();
-        // Mostly small integers; some of them off by a few units in the last place.
+        // Small integers, near the origin or far off; near it some are off by a unit in the last place.
         const double integer = value % 16;
-        return (flags & 1) != 0 && value >= 240 ? integer * (1 + 0x1p-52) : integer + offset();
+        if ((flags & 2) != 0) return integer + 1e9;
+        return (flags & 1) != 0 && value >= 240 ? integer * (1 + 0x1p-52) : integer;
     }
-    double offset() const { return (flags & 2) != 0 ? 1e9 : 0.0; }
     Point2 point() {
         const double x = coordinate(), y = coordinate();
         return Point2(x, y, 1.0 + input.byte() % 8);
     }
     ConstraintInsertionStrategy strategy() {
-        if ((flags & 4) == 0) return CIS_CONSTRAINED_DELAUNAY;
+        // Off the grid conforming segments that nearly coincide need very many vertices.
+        if ((flags & 7) != 4) return CIS_CONSTRAINED_DELAUNAY;
         const auto cis = static_cast<ConstraintInsertionStrategy>(input.byte() % 3);
         if (cis != CIS_CONSTRAINED_DELAUNAY) bConforming = true;
         return cis;
