@@ -109,7 +109,7 @@ void ConstraintGraph2::own(const Segments& vSegments) {
 }
 
 ConstraintGraph2::ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, ConstraintInsertionStrategy cis_)
-    : pDt(pDt_), cis(cis_) {
+    : pDt(pDt_), cis(cis_), number(pDt->getConstraintMgr().getNumberOfGraphs()) {
     own(vSegments);
     bOriented = bIsPolygon; // counterclockwise then
     if (!bIsPolygon) {
@@ -126,7 +126,7 @@ ConstraintGraph2::ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, Constra
 /// twice the first direction holds.
 ConstraintGraph2::ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, const std::vector<bool>& vReverse,
                                    ConstraintInsertionStrategy cis_)
-    : pDt(pDt_), cis(cis_), bOriented(true) {
+    : pDt(pDt_), cis(cis_), number(pDt->getConstraintMgr().getNumberOfGraphs()), bOriented(true) {
     own(vSegments);
     for (std::size_t i = vSegments.size(); i-- > 0;) {
         setReverse(vSegments[i], vReverse[i]);
@@ -211,6 +211,8 @@ bool ConstraintGraph2::isConstraint(ConstraintSegment2* pSegment) const {
 }
 
 bool ConstraintGraph2::isConstraint(Point2* p0, Point2* p1) const {
+    ConstraintSegment2::skipLabel(); // once a segment was made for the search; the number is kept
+                                     // deliberately
     if (p0 == nullptr || p1 == nullptr) return false;
     return isConstraint(pDt->getConstraintMgr().getAliveSegment(p0, p1));
 }

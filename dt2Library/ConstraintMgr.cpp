@@ -140,7 +140,11 @@ bool ConstraintMgr::insertEnds(const std::vector<Segment2>& vSegments2, bool bFi
     std::vector<Point2*> vHandles;
     {
         const MuteProgress mute(pDt->getProgress());
+        // Several threads would go by the vertices that wait for the third point off their line.
+        const int numCPU = pDt->getNumCPU();
+        if (!pDt->is2D()) pDt->setNumCPU(1);
         pDt->insertVector(vEnds, &vHandles);
+        pDt->setNumCPU(numCPU);
     }
     if (vHandles.front() == nullptr) return false;
     vPairs.reserve(vSegments2.size());

@@ -35,6 +35,7 @@ public:
 
     // --- the registry -------------------------------------------------------------------------------------
 
+    std::size_t getNumberOfGraphs() const noexcept { return vConstraintGraphs.size(); }
     bool hasConstraints() const noexcept { return !vSegments.empty(); }
     /// The segment of the pair. Made if it is new; if not, the strategy has no effect.
     ConstraintSegment2* getSegment(Point2* a, Point2* b, ConstraintInsertionStrategy cis);

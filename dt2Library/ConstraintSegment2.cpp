@@ -19,6 +19,9 @@ namespace {
 
 int nextLabel = 0; // one counter for all triangulations, never reset and not guarded, deliberately
 
+const char* const runsBackText =
+    "the point lies on the segment's line beyond an end, the segment is not divided";
+
 /// Whether c lies on the line through a and b, outside the segment: a constraint bent there would run back
 /// over itself.
 bool runsBack(const Point2& a, const Point2& b, const Point2& c) {
@@ -26,10 +29,6 @@ bool runsBack(const Point2& a, const Point2& b, const Point2& c) {
                         c.y() >= std::min(a.y(), b.y()) && c.y() <= std::max(a.y(), b.y());
     return !bInBox && std::isfinite(c.x()) && std::isfinite(c.y()) &&
            getOrientation2_mt(&a, &b, &c) == ORIENTATION2_COLLINEAR;
-}
-
-bool isLowerGraph(const ConstraintGraph2* a, const ConstraintGraph2* b) noexcept {
-    return std::less<const ConstraintGraph2*>()(a, b);
 }
 
 } // namespace
@@ -43,13 +42,17 @@ Dt2* ConstraintSegment2::getDt2() const noexcept {
     return sOwners.front().pGraph->getDt2();
 }
 
+void ConstraintSegment2::skipLabel() noexcept {
+    ++nextLabel;
+}
+
 // --- owners -----------------------------------------------------------------------------------------------
 
 const ConstraintSegment2::Owner*
 ConstraintSegment2::findOwner(const ConstraintGraph2* pGraph) const noexcept {
     const auto it = std::lower_bound(
         sOwners.begin(), sOwners.end(), pGraph,
-        [](const Owner& owner, const ConstraintGraph2* p) { return isLowerGraph(owner.pGraph, p); });
+        [](const Owner& owner, const ConstraintGraph2* p) { return owner.pGraph->number < p->number; });
     return it != sOwners.end() && it->pGraph == pGraph ? &*it : nullptr;
 }
 
@@ -63,7 +66,7 @@ void ConstraintSegment2::addOwnerRec(ConstraintGraph2* pGraph) {
         std::vector<Owner>& sOthers = pSegment->sOwners;
         const auto it = std::upper_bound(
             sOthers.begin(), sOthers.end(), pGraph,
-            [](const ConstraintGraph2* p, const Owner& owner) { return isLowerGraph(p, owner.pGraph); });
+            [](const ConstraintGraph2* p, const Owner& owner) { return p->number < owner.pGraph->number; });
         sOthers.insert(it, Owner{pGraph, false, false});
         if (pSegment->aChild[0] == nullptr) continue;
         vStack.push_back(pSegment->aChild[0]);
@@ -123,13 +126,25 @@ bool ConstraintSegment2::divide(Point2* pSplit) {
     for (Point2* pEnd : {p0, p1}) {
         const ConstraintSegment2* pExisting = mgr.findSegment(pEnd, pSplit);
         if (pExisting != nullptr && pExisting->aChild[0] != nullptr && isBelow(pExisting)) {
-            printError("ConstraintSegment2", "a piece would contain the segment, it is not divided");
+            printError("ConstraintSegment2::divide()",
+                       "a piece would contain the segment, it is not divided");
             return false;
         }
     }
     mgr.countDivision();
     aChild[0] = mgr.getSegment(p0, pSplit, cis);
     aChild[1] = mgr.getSegment(p1, pSplit, cis);
+    if (aChild[0]->sOwners.empty() && aChild[1]->sOwners.empty()) {
+        // Two new pieces, as mostly: each owner runs along them as it does here.
+        for (ConstraintSegment2* pChild : aChild) {
+            const bool bSameWay = pChild->p0 == p0 || pChild->p1 == p1;
+            pChild->sOwners = sOwners;
+            for (Owner& owner : pChild->sOwners) {
+                owner.bReverse = owner.bReverse == bSameWay;
+            }
+        }
+        return true;
+    }
     for (const Owner& owner : sOwners) {
         aChild[0]->addOwnerRec(owner.pGraph);
         aChild[1]->addOwnerRec(owner.pGraph);
@@ -143,6 +158,10 @@ bool ConstraintSegment2::split_combinatorialOnly(Point2* pSplit) {
     KELM_CHECK(isAlive());
     KELM_CHECK(p0!=pSplit && p1!=pSplit);
     KELM_CHECK(!sOwners.empty());
+    if (runsBack(*p0, *p1, *pSplit)) {
+        printError("ConstraintSegment2::split_combinatorialOnly()", runsBackText);
+        return false;
+    }
     return divide(pSplit);
 }
 
@@ -153,8 +172,7 @@ Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {
     Dt2* pOwnerDt = getDt2();
     KELM_CHECK(pOwnerDt!=0);
     if (runsBack(*p0, *p1, point)) {
-        printError("ConstraintSegment2::insertAndSplit()",
-                   "the point lies on the segment's line beyond an end, the segment is not divided");
+        printError("ConstraintSegment2::insertAndSplit()", runsBackText);
         return nullptr;
     }
     bAlive = false; // the edge counts as none while the point enters, and may be divided or flipped

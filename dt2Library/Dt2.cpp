@@ -87,6 +87,10 @@ bool Dt2::startTriangulation(std::size_t numPreExistingVtx) {
     vertexVault.dropInactive();
     if (bAll) numPreExistingVtx = vertexVault.size();
     vertexVault.orderFront(numPreExistingVtx);
+    if (constraintMgr.hasConstraints()) {
+        numPreExistingVtx = vertexVault.orderConstraintVerticesFirst();
+        vertexVault.getFirstTriple(a, b, c); // so that none of them is a duplicate of a constraint's end
+    }
     vertexVault.setFullDimensional(true);
     Triangle2* pFirst = createTriangle(a, b, c);
     VertexVault::EntryIterator startIt, stopIt;

@@ -57,6 +57,7 @@ public:
     void getTrianglePointers(std::vector<Triangle2*>& vTriangles) const;
     void getVertexPointers(std::vector<Point2*>& vVertices) const;
     int setNumCPU(int numCPU_);
+    int getNumCPU() const noexcept { return numCPU; }
     void setDev(const std::string& key, int iValue, double dValue);
     const std::string& getName() const noexcept { return name; }
     void setName(const std::string& name_) { name = name_; }
@@ -218,7 +219,8 @@ private:
     void newCDT_treatOneCS(ConstraintSegment2* pCSeg, LeafWalk& walk);
     Point2* newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossing);
     Point2* newCDT_walk(const ConstraintSegment2* pCSeg, Crossing& crossing);
-    Point2* newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT, bool& bEdge);
+    static bool newCDT_isEdge(Point2*& pStart, Point2*& pStop);
+    Point2* newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT);
     void newCDT_replaceCorridor(Point2* pStart, Point2* pStop);
     Triangle2* newCDT_triangulateSide(std::vector<ChainEdge>& vChain, Point2* pEnd,
                                       std::vector<Triangle2*>& vNew);

@@ -32,7 +32,8 @@ namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr double minUlps = 10.0; // a piece of less extent can't be halved
+constexpr double minUlps = 10.0;   // a piece of less extent can't be halved
+constexpr double usefulPass = 0.9; // the part of a chain that a pass over it may leave
 constexpr double epsilon = 2.220446049250313e-16;
 
 } // namespace
@@ -116,7 +117,7 @@ void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, LeafWalk& walk) {
     } else if (ConstraintSegment2* pCrossingCSeg = crossing.pCrossingCSeg) {
         const bool bOK = newCDT_divideAtCrossing(pCSeg, crossing);
         if (!pCrossingCSeg->isAlive()) walk.push(pCrossingCSeg);
-        if (bOK) walk.push(pCSeg);
+        if (bOK || !pCSeg->isAlive()) walk.push(pCSeg);
     }
 }
 
@@ -173,32 +174,47 @@ Point2* Dt2::newCDT_insertCrossing(const Crossing& crossing) {
 Point2* Dt2::newCDT_traverseCZ(const ConstraintSegment2* pCSeg, Crossing& crossing) {
     Point2* pMet = newCDT_walk(pCSeg, crossing);
     if (pMet == nullptr && crossing.pCrossingCSeg == nullptr && !vCorridor.empty()) {
-        newCDT_replaceCorridor(pCSeg->getTrg(), pCSeg->getSrc());
+        newCDT_replaceCorridor(vRightChain.front().pSrc, vLeftChain.back().pSrc);
     }
     return pMet;
 }
 
-/// Walks along a segment from its higher end to the first thing it meets: the result is a vertex on the
+/// Whether two vertices are neighbours. If not, they may be swapped, so that the first has the fewer
+/// triangles or nearly so. At first its are looked at: of the ends of a piece the one with the higher address
+/// is mostly new, few triangles meet there, and all of them are in the cache.
+bool Dt2::newCDT_isEdge(Point2*& pStart, Point2*& pStop) {
+    constexpr int numUsual = 8;
+    Fan fan(pStart), otherFan(pStop);
+    for (int i = 0; fan.getTriangle() != nullptr; ++i, fan.advance()) {
+        if (fan.getTriangle()->hasVertex(pStop)) return true;
+        if (i < numUsual) continue;
+        if (otherFan.getTriangle() == nullptr) {
+            std::swap(pStart, pStop);
+            return false;
+        }
+        if (otherFan.getTriangle()->hasVertex(pStart)) return true;
+        otherFan.advance();
+    }
+    return false;
+}
+
+/// Walks along a segment from one end to the first thing it meets: the result is a vertex on the
 /// segment, or null and a crossing with another constraint. If it meets nothing the corridor and the chains
 /// at its sides are complete; the corridor is empty if the segment is an edge.
 Point2* Dt2::newCDT_walk(const ConstraintSegment2* pCSeg, Crossing& crossing) {
     vCorridor.clear();
-    // From the higher address: of the ends of a piece that is mostly the vertex just inserted, whose
-    // surroundings are in the cache, and which has few neighbours.
+    vRightChain.clear();
+    vLeftChain.clear();
     Point2 *pStart = pCSeg->getTrg(), *pStop = pCSeg->getSrc();
     KELM_CHECK(pStart->getIncidentTriangle()!=NULL);
     KELM_CHECK(pStop->getIncidentTriangle()!=NULL);
-    bool bEdge = false;
+    if (newCDT_isEdge(pStart, pStop)) return nullptr;
     Triangle2* pT = nullptr;
-    if (Point2* pAhead = newCDT_leaveStart(pStart, pStop, pT, bEdge)) {
+    if (Point2* pAhead = newCDT_leaveStart(pStart, pStop, pT)) {
         innerVtxMgr.forget(pAhead);
         return pAhead;
     }
-    if (bEdge) return nullptr;
-
-    vCorridor.assign(1, pT);
-    vRightChain.clear();
-    vLeftChain.clear();
+    vCorridor.push_back(pT);
     // Right of the segment the chain runs from start to stop; left of it from stop to start, built backwards.
     int exitIdx = pT->getIntraTriangleIndex(pStart);
     vRightChain.push_back({pStart, pT, incIndexBy2(exitIdx)});
@@ -235,14 +251,9 @@ Point2* Dt2::newCDT_walk(const ConstraintSegment2* pCSeg, Crossing& crossing) {
     }
 }
 
-/// Looks around the start for the way to the stop: the triangle whose opposite edge the segment crosses, or
-/// that the segment is an edge already, or, as the result, a neighbour that lies on it.
-Point2* Dt2::newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT, bool& bEdge) {
-    // That it is an edge is the common case, and seen without a look at coordinates.
-    for (Fan fan(pStart); fan.getTriangle() != nullptr; fan.advance()) {
-        bEdge = fan.getTriangle()->hasVertex(pStop);
-        if (bEdge) return nullptr;
-    }
+/// Looks around the start for the way to the stop, which is no neighbour: the triangle whose opposite edge
+/// the segment crosses, or, as the result, a neighbour that lies on it.
+Point2* Dt2::newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triangle2*& pT) {
     for (Fan fan(pStart); fan.getTriangle() != nullptr; fan.advance()) {
         pT = fan.getTriangle();
         const int i = fan.getIndex();
@@ -284,25 +295,39 @@ Triangle2* Dt2::newCDT_triangulateSide(std::vector<ChainEdge>& vChain, Point2* p
         pNew->setOppTriangle(i, pOutside);
         MeshInserter::relink(pOutside, edge.pHolder, pNew);
     };
-    while (vChain.size() > 1) {
+    // Makes the ear of two neighbouring edges a triangle and the first of them the new open edge, if it is
+    // one.
+    const auto cutEar = [&](const ChainEdge& edge, const ChainEdge& next, Point2* c) {
+        Point2 *a = edge.pSrc, *b = next.pSrc;
+        if (quorTest.getOrientation2Filtered(a, b, c) != ORIENTATION2_CCW) return false;
+        Triangle2* pNew = createTriangle(a, b, c);
+        linkOutside(pNew, 2, edge);
+        linkOutside(pNew, 0, next);
+        pNew->setOppTriangle(1, edge.pHolder);
+        edge.pHolder->setOppTriangle(edge.idx, pNew);
+        vNew.push_back(pNew);
+        return true;
+    };
+    // Passes over the chain that skip the edge just made give triangles of good shape. Where few ears are
+    // left at a time, as in a valley, going back to the edge before after each cut gives all of them in one
+    // pass.
+    for (bool bGoBack = false; vChain.size() > 1;) {
         std::size_t numKept = 0;
         for (std::size_t i = 0; i < vChain.size(); ++i) {
-            ChainEdge& kept = vChain[numKept++];
-            kept = vChain[i];
-            if (i + 1 == vChain.size()) break;
-            Point2 *a = kept.pSrc, *b = vChain[i + 1].pSrc;
-            Point2* c = i + 2 < vChain.size() ? vChain[i + 2].pSrc : pEnd;
-            if (quorTest.getOrientation2Filtered(a, b, c) != ORIENTATION2_CCW) continue;
-            Triangle2* pNew = createTriangle(a, b, c);
-            linkOutside(pNew, 2, kept);
-            linkOutside(pNew, 0, vChain[i + 1]);
-            // The first edge's record stands for the new open edge.
-            pNew->setOppTriangle(1, kept.pHolder);
-            kept.pHolder->setOppTriangle(kept.idx, pNew);
-            vNew.push_back(pNew);
-            ++i;
+            vChain[numKept++] = vChain[i];
+            const auto endOf = [&](std::size_t k) {
+                return k + 1 < vChain.size() ? vChain[k + 1].pSrc : pEnd;
+            };
+            if (bGoBack) {
+                while (numKept > 1 && cutEar(vChain[numKept - 2], vChain[numKept - 1], endOf(i))) {
+                    --numKept;
+                }
+            } else if (i + 1 < vChain.size() && cutEar(vChain[numKept - 1], vChain[i + 1], endOf(i + 1))) {
+                ++i;
+            }
         }
         KELM_CHECK(numKept<vChain.size());
+        bGoBack = numKept > usefulPass * vChain.size();
         vChain.resize(numKept);
     }
     return vNew.back();

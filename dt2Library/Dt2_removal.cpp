@@ -34,6 +34,7 @@ void Dt2::remove(Point2* pVtx) {
         std::cerr << *pVtx << std::endl;
         return;
     }
+    innerVtxMgr.forget(pVtx);
     vertexVault.sortIfNeeded(true);
     const bool bOwn = vertexVault.isActive(pVtx); // and not a vertex of another triangulation
     if (bOwn && !is2D()) {

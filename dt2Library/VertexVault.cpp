@@ -417,6 +417,15 @@ void VertexVault::sortIfNeeded(bool bConditional) {
     entriesMoved();
 }
 
+std::size_t VertexVault::orderConstraintVerticesFirst() {
+    const auto itOther = std::stable_partition(vIdxVtxAct.begin(), vIdxVtxAct.end(), [](const IdxVtx& entry) {
+        return entry.pVtx->constraintFilter != 0;
+    });
+    numSorted = 0;
+    entriesMoved();
+    return static_cast<std::size_t>(itOther - vIdxVtxAct.begin());
+}
+
 void VertexVault::orderFront(std::size_t n) {
     KeyPosVector vKeys(n);
     for (std::size_t i = 0; i < n; ++i) {
@@ -470,13 +479,17 @@ void VertexVault::replaceHandles(std::vector<Point2*>& vHandles) const {
 
 void VertexVault::findWaitingDuplicates() {
     KELM_CHECK(mRedundant2UniqueVtx.empty());
-    PlanMap mFirst;
+    std::unordered_map<std::pair<double, double>, IdxVtx*, PlanHash> mFirst;
     for (IdxVtx& entry : vIdxVtxAct) {
         if (!entry.bActive) continue;
-        const auto inserted = mFirst.emplace(std::make_pair(entry.pVtx->x(), entry.pVtx->y()), entry.pVtx);
+        const auto inserted = mFirst.emplace(std::make_pair(entry.pVtx->x(), entry.pVtx->y()), &entry);
         if (inserted.second) continue;
-        deactivateEntry(entry);
-        mRedundant2UniqueVtx.emplace_back(entry.pVtx, inserted.first->second);
+        // The first stays, but the end of a constraint segment has to.
+        IdxVtx*& pFirst = inserted.first->second;
+        IdxVtx* pRedundant = &entry;
+        if (entry.pVtx->constraintFilter != 0) std::swap(pFirst, pRedundant);
+        deactivateEntry(*pRedundant);
+        mRedundant2UniqueVtx.emplace_back(pRedundant->pVtx, pFirst->pVtx);
     }
 }
 

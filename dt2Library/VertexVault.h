@@ -89,6 +89,9 @@ public:
     /// Sorts the first n entries along the curve, and along finer ones where many share a key. For vertices
     /// that have waited, before they enter the mesh; all of them active, see dropInactive.
     void orderFront(std::size_t n);
+    /// Moves the ends of constraint segments to the front of the index, so that of several vertices at one
+    /// place such a one stays. The result is their number.
+    std::size_t orderConstraintVerticesFirst();
     /// Takes inactive entries out of the index, which keeps its order.
     void dropInactive();
     /// The vertex left the triangulation.

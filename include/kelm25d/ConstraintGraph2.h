@@ -6,6 +6,7 @@
 #include <kelm25d/ConstraintInsertionStrategy.h>
 #include <kelm25d/export.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -62,7 +63,8 @@ public:
     /// the constrained one. New vertices halve a piece or stand where a near vertex projects on it; heights
     /// are linear between the ends.
     /// @param minLength pieces shorter than this in space are left as they are
-    /// @return false if such a piece is no Delaunay edge
+    /// @return false if such a piece is no Delaunay edge. Pieces that wait for applyConstraintsAndZones, and
+    /// edges of the hull, count as Delaunay
     bool makeDelaunay(double minLength);
 
     /// Draws the alive pieces to a PostScript file, replacing it.
@@ -70,7 +72,8 @@ public:
     /// Adds the alive pieces to a drawing, which stays the caller's. Null gives a warning.
     void show(Visualizer2* pVisualizer, const Color& color) const;
 
-    /// Replaces the argument by the alive pieces in the direction of the graph.
+    /// Replaces the argument by the alive pieces in the direction of the graph. A bent constraint that runs
+    /// over itself may have a piece many times; getChildConstraintSegments gives each once.
     void getChildrenInOrder(std::vector<ConstraintSegment2*>& vSegmentsOut) const;
 
 private:
@@ -90,6 +93,7 @@ private:
 
     Dt2* pDt;
     ConstraintInsertionStrategy cis;
+    std::size_t number;    // of graphs made before in the triangulation
     Segments vCSegParents; // the original ones; a polygon's in ring order
     bool bIsPolygon = false;
     bool bOriented = false;

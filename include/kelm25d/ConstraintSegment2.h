@@ -60,8 +60,9 @@ public:
     /// A point off the segment bends the constraint: the children are the two pieces to the new vertex. A
     /// piece that meets vertices or other constraints is divided in its turn. A point at an end changes
     /// nothing. For a constrained segment (CIS_CONSTRAINED_DELAUNAY) the pieces are edges of the mesh when
-    /// this returns; a conforming one may leave work to Kelm_2D::applyConstraintsAndZones. A segment that is
-    /// not alive fails a check and throws KelmException.
+    /// this returns; a conforming one may leave work to Kelm_2D::applyConstraintsAndZones. A piece of a bent
+    /// constraint that would have to run over a segment it came from stays without an edge, after a warning.
+    /// A segment that is not alive fails a check and throws KelmException.
     /// @return the vertex at the point's place, an existing one if there is one; null, after an error line
     /// and with the segment as before, if a coordinate is not finite, if the point lies on the segment's line
     /// beyond an end, or if a piece would contain this segment
@@ -71,10 +72,10 @@ public:
     /// @return false if insertAndSplit gives null
     bool splitAndRemovePrev(const Point2& point);
     /// Divides this segment at an existing vertex and leaves the mesh alone: the caller knows that both
-    /// pieces are edges, or applies the constraints afterwards. Null, one of the ends, and a segment that is
-    /// not alive fail a check and throw KelmException.
-    /// @return true; false, after an error line and with nothing changed, if a piece would contain this
-    /// segment
+    /// pieces are edges, or applies the constraints afterwards. An edge that joins the old ends stays. Null,
+    /// one of the ends, and a segment that is not alive fail a check and throw KelmException.
+    /// @return true; false, after an error line and with nothing changed, if the vertex lies on the segment's
+    /// line beyond an end, or if a piece would contain this segment
     bool split_combinatorialOnly(Point2* pSplit);
 
     /// A number of the caller's, the largest double at first; the library does not read it.
@@ -99,6 +100,7 @@ private:
 
     ConstraintSegment2(Point2* p0_, Point2* p1_, ConstraintInsertionStrategy cis_);
 
+    static void skipLabel() noexcept;
     ConstraintInsertionStrategy getCIS() const noexcept { return cis; }
     void markDead() noexcept { bAlive = false; }
     void markAlive() noexcept { bAlive = true; }
@@ -114,11 +116,11 @@ private:
     bool bAlive = true;
     Point2 *p0, *p1;                                    // p0 < p1
     ConstraintSegment2* aChild[2] = {nullptr, nullptr}; // both or none
-    std::vector<Owner> sOwners;                         // a set, as a sequence by address of the graph
+    std::vector<Owner> sOwners; // a set, as a sequence in order of creation of the graphs
     double adjacentArea = std::numeric_limits<double>::max();
 };
 
-/// Writes the label, addresses, state, both ends and the length in the plane, in four lines without a last
+/// Writes the label, addresses, state, both ends and the length in the plane, in five lines without a last
 /// line end.
 KELM25D_API std::ostream& operator<<(std::ostream& stream, const ConstraintSegment2& segment);
 

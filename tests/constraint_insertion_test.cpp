@@ -1,0 +1,368 @@
+// Constraints enter the mesh: crossings, vertices on segments, waiting, halving, what may not be done, files.
+// Graphs and split trees are in constraint_graph_test.cpp, hard sets of segments in
+// constraint_stress_test.cpp.
+#include "testing.h"
+
+#include "centerWithShift.h"
+
+#include <chrono>
+#include <sstream>
+
+namespace {
+
+constexpr ConstraintInsertionStrategy aStrategy[] = {CIS_CONFORMING_SURFACE_HEIGHT, CIS_CONSTRAINED_DELAUNAY,
+                                                     CIS_CONFORMING_LINEAR_HEIGHT};
+const std::vector<Point2> frame{{-100, -100, 0}, {100, -100, 0}, {100, 100, 0}, {-100, 100, 0}};
+
+std::vector<ConstraintSegment2*> alive(const Kelm_2D& dt) {
+    std::vector<ConstraintSegment2*> v;
+    dt.getAliveConstraintSegments(v);
+    return v;
+}
+
+std::vector<Point2*> vertices(const Kelm_2D& dt) {
+    std::vector<Point2*> v;
+    dt.getVertexPointers(v);
+    return v;
+}
+
+Point2* vertexAt(const Kelm_2D& dt, const Point2& place) {
+    for (Point2* pVtx : vertices(dt))
+        if (*pVtx == place) return pVtx;
+    return nullptr;
+}
+
+bool has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string fault(const Kelm_2D& dt, const std::vector<Segment2>& v) {
+    const std::string mesh = findMeshFault(dt);
+    return mesh.empty() ? findConstraintFault(dt, v) : mesh;
+}
+
+} // namespace
+
+TEST(ConstraintInsertion, CrossingsTakeTheHeightOfTheFirstOrAnEndNearby) {
+    const struct {
+        Segment2 first, second;
+        unsigned numNew, numPieces;
+        Point2 meeting;
+    } aCase[] = {
+        {{{0, 0, 0}, {10, 0, 5}}, {{4, -3, 9}, {4, 3, 8}}, 1, 4, {4, 0, 2}},
+        {{{0, 0, 10}, {0, 10, 20}}, {{-5, 4, 9}, {5, 4, 9}}, 1, 4, {0, 4, 14}}, // along y
+        {{{0, 0, 8}, {8, 4, 0}}, {{0, 4, 90}, {8, 0, 90}}, 1, 4, {4, 2, 4}},
+        {{{0, 0, 1}, {8, 0, 2}}, {{4, 0, 9}, {4, 5, 9}}, 0, 3, {4, 0, 9}},         // an end on the other
+        {{{4, 0, 9}, {4, 5, 9}}, {{0, 0, 1}, {8, 0, 2}}, 0, 3, {4, 0, 9}},         // the other way round
+        {{{0, 0, 1}, {8, 0, 2}}, {{4, -5e-7, 9}, {4, 5, 9}}, 0, 3, {4, -5e-7, 9}}, // within 1e-6
+        {{{4, -5e-7, 9}, {4, 5, 9}}, {{0, 0, 1}, {8, 0, 2}}, 0, 3, {4, -5e-7, 9}},
+        {{{0, 0, 1}, {8, 0, 5}}, {{4, -2e-6, 9}, {4, 5, 9}}, 1, 4, {4, 0, 3}}, // beyond
+        {{{0, 0, 1}, {8, 0, 2}}, {{8, 0, 2}, {0, 0, 1}}, 0, 1, {8, 0, 2}},     // the same again
+        {{{0, 0, 1}, {8, 0, 2}}, {{4, 0, 9}, {12, 0, 7}}, 0, 3, {8, 0, 2}},    // overlapping
+    };
+    for (const auto& c : aCase) {
+        for (const int way : {0, 1, 2, 3}) {
+            SCOPED_TRACE(testing::Message() << "case " << &c - aCase << ", way " << way);
+            Kelm_2D dt;
+            dt.insert(frame);
+            const std::vector<Segment2> v{c.first, c.second};
+            for (const Segment2& s : v) // so that all ends are there before
+                dt.insert({s.getSrc(), s.getTrg()});
+            const unsigned numBefore = dt.numberOfPoints();
+            dt.createConstraint(way < 2 ? v : std::vector<Segment2>{v[0]}, aStrategy[1], way % 2 == 0);
+            if (way >= 2) dt.createConstraint({v[1]}, aStrategy[1], way % 2 == 0);
+            ASSERT_EQ("", fault(dt, v));
+            EXPECT_TRUE(alive(dt).size() == c.numPieces && dt.numberOfPoints() == numBefore + c.numNew);
+            const Point2* pMeeting = vertexAt(dt, c.meeting);
+            ASSERT_NE(nullptr, pMeeting);
+            EXPECT_TRUE(way < 2 || pMeeting->z() == c.meeting.z()) << *pMeeting;
+        }
+    }
+}
+
+TEST(ConstraintInsertion, EveryStrategyMeetsEveryOtherAndHalvesWithItsHeight) {
+    for (int i = 0; i < 9; ++i) {
+        SCOPED_TRACE(i);
+        Kelm_2D dt;
+        dt.insert(frame);
+        dt.insert({{0.25, 1, 0}, {-0.25, -1, 0}, {33, 0, 70}}); // beside the middle, and on the segment
+        const std::vector<Segment2> v0{{{-32, 0, 70}, {64, 0, 70}}}, v1{{{8, -7, 0}, {8.5, 7, 0}}};
+        const ConstraintGraph2* pFirst = dt.createConstraint(v0, aStrategy[i / 3]);
+        dt.applyConstraintsAndZones();
+        const ConstraintGraph2* pSecond = dt.createConstraint(v1, aStrategy[i % 3]);
+        ASSERT_VALID_MESH(dt);
+        dt.applyConstraintsAndZones();
+        ASSERT_EQ("", fault(dt, v0));
+        ASSERT_VALID_CONSTRAINTS(dt, v0, pFirst);
+        ASSERT_VALID_CONSTRAINTS(dt, v1, pSecond);
+        int numLow = 0; // the surface is flat away from the segment's own vertices
+        for (const Point2* pVtx : vertices(dt))
+            numLow += pVtx->y() == 0 && pVtx->z() < 69.999;
+        EXPECT_EQ(aStrategy[i / 3] == CIS_CONFORMING_SURFACE_HEIGHT, numLow != 0);
+        const unsigned numPoints = dt.numberOfPoints();
+        dt.applyConstraintsAndZones();
+        EXPECT_EQ(numPoints, dt.numberOfPoints());
+    }
+}
+
+TEST(ConstraintInsertion, WaitsForTheThirdPointAndOutlastsTheLossOfTheMesh) {
+    for (int variant = 0; variant < 12; ++variant) {
+        SCOPED_TRACE(variant);
+        CoutCapture capture;
+        Kelm_2D dt;
+        dt.setNumCPU(variant < 6 ? 1 : 2);
+        dt.insert({0, 0, 1});
+        const std::vector<Segment2> v{{{0, 0, 2}, {8, 6, 2}}, {{4, 3, 2}, {0, 0, 2}}};
+        dt.createConstraint(v, aStrategy[variant % 3], variant % 2 == 0);
+        EXPECT_TRUE(!dt.is2D() && dt.numberOfPoints() == 3) << dt.numberOfPoints();
+        for (const ConstraintSegment2* pCSeg : alive(dt))
+            EXPECT_TRUE(dt.isConstraint(pCSeg->getSrc(), pCSeg->getTrg()));
+        dt.applyConstraintsAndZones();
+        dt.getImpl()->applyConstraintsAndZones();
+        const std::string printed = capture.take();
+        EXPECT_TRUE(has(printed,
+                        "Kelm2D::applyConstraintsAndZones(), WARNING: The triangulation is not 2D yet, "
+                        "can't apply the constraints"))
+            << printed;
+        EXPECT_TRUE(has(printed, "Dt2::applyConstraintsAndZones(), WARNING: The triangulation is not full "
+                                 "dimensional yet. Nothing to do"))
+            << printed;
+        for (const double x : {1, 2, 3}) {
+            Point2* pThird = dt.insert({x, 5, 0});
+            dt.applyConstraintsAndZones();
+            ASSERT_EQ("", fault(dt, v));
+            dt.remove(pThird);
+            dt.insert({{4, 3, 8}, {0, 0, 8}}); // duplicates may not take the places of the ends
+            ASSERT_VALID_MESH(dt);
+        }
+    }
+}
+
+TEST(ConstraintInsertion, EndsMayStandOverVerticesThatThreadsLeftWaiting) {
+    Kelm_2D dt;
+    dt.setNumCPU(2);
+    dt.insert({0, 0, 1});
+    dt.insert({4, 0, 1});
+    std::vector<Point2*> vHandles;
+    dt.insert({{0, 0, 2}, {4, 0, 2}, {1, 1, 1}}, vHandles); // goes by the two that wait
+    const std::vector<Segment2> v{{{0, 0, 2}, {4, 0, 2}}};
+    dt.createConstraint(v, CIS_CONSTRAINED_DELAUNAY);
+    dt.remove(vHandles[2]);
+    dt.insert({2, -3, 0}); // starts anew with all of them
+    dt.applyConstraintsAndZones();
+    ASSERT_EQ("", fault(dt, v));
+}
+
+TEST(ConstraintInsertion, LaterPointsDivideConstraintsAndOnlyOthersCanBeRemovedAgain) {
+    for (const int numCPU : {0, 1, 4}) { // 0: one by one
+        std::mt19937_64 random(5);
+        Kelm_2D dt;
+        dt.setNumCPU(std::max(1, numCPU));
+        const Point2 o(0, 0, 0);
+        const std::vector<Segment2> v{{o, {4096, 0, 0}}, {o, {4096, 2048, 0}}, {{7, 4, 0}, {4096, 4, 0}}};
+        dt.createConstraint(v, CIS_CONSTRAINED_DELAUNAY);
+        std::vector<Point2> vPoints; // with the height 1 on constraints, else 2
+        for (int i = 0; i < 500; ++i) {
+            const double x = double(random() % 4080 + 9);
+            vPoints.insert(vPoints.end(), {{x, 0, 1}, {x, x / 2, 1}, {x, std::nextafter(4, 5), 2}});
+            if (i % 100 == 0) vPoints.insert(vPoints.end(), {{x, -x, 2}, {x, 5000 + x, 2}}); // the hull grows
+        }
+        for (std::size_t i = 0; numCPU == 0 && i < vPoints.size(); ++i)
+            dt.insert(vPoints[i]);
+        dt.insert(vPoints);
+        ASSERT_EQ("", fault(dt, v));
+        std::vector<Point2*> vVertices = vertices(dt);
+        std::shuffle(vVertices.begin(), vVertices.end(), random);
+        CoutCapture out, err(std::cerr);
+        for (Point2* pVtx : vVertices) {
+            const unsigned numExpected = dt.numberOfPoints() - (pVtx->z() < 2 ? 0 : 1);
+            dt.remove(pVtx);
+            const bool bRefused =
+                out.printed("Dt2::remove(), WARNING: Illegal: Can't remove a constraint vertex");
+            ASSERT_TRUE(bRefused == (pVtx->z() < 2) && bRefused == err.printed("Point2 (")) << *pVtx;
+            ASSERT_EQ(numExpected, dt.numberOfPoints());
+            if (dt.numberOfPoints() % 50 == 0) ASSERT_EQ("", fault(dt, v));
+        }
+        ASSERT_EQ("", fault(dt, v));
+    }
+}
+
+TEST(ConstraintInsertion, BadInputGivesItsMessageAndChangesNothing) {
+    const Segment2 point({1, 2, 3}, {1, 2, 4}), good({0, 0, 0}, {5, 5, 0});
+    const Segment2 nan({0, 0, 0}, {std::nan(""), 0, 0}), inf({0, -HUGE_VAL, 0}, {1, 0, 0});
+    const char* skipped = "ConstraingMgr::createConstraint, WARNING: (0) Identical source and endpoint, a "
+                          "constraint segment has been skipped.";
+    const char* notFinite = "ERROR: a coordinate is not finite, none of the points is inserted";
+    const char* none = "createConstraint(), WARNING: You have not supplied any segments. Returning NULL!";
+    const struct {
+        std::vector<Segment2> v;
+        int cis, numSegments; // -1: no graph
+        bool bOriented;
+        std::string text;
+    } aCase[] = {{{}, 1, -1, false, none},
+                 {{point}, 1, 0, false, skipped},
+                 {{good, point}, 1, 1, false, skipped},
+                 {{good, point}, 1, 1, true, ""},
+                 {{good, nan}, 1, -1, false, notFinite},
+                 {{inf, good}, 0, -1, true, notFinite},
+                 {{good}, 7, 1, false, "ConstraintMgr::apply(), ERROR: Unknown CIS"}};
+    for (const auto& c : aCase) {
+        CoutCapture capture;
+        Kelm_2D dt;
+        dt.insert(frame);
+        const auto cis = static_cast<ConstraintInsertionStrategy>(c.cis);
+        EXPECT_EQ(c.numSegments < 0, dt.createConstraint(c.v, cis, c.bOriented) == nullptr);
+        const std::string printed = capture.take();
+        EXPECT_TRUE(c.text.empty() ? printed.empty() : has(printed, c.text)) << printed;
+        EXPECT_EQ(std::max(0, c.numSegments), int(alive(dt).size())) << c.text;
+        EXPECT_EQ(c.numSegments < 0, dt.numberOfPoints() == 4) << c.text;
+        ASSERT_VALID_MESH(dt);
+    }
+    CoutCapture capture;
+    EXPECT_EQ(nullptr, Kelm_2D().getImpl()->createConstraint({}, CIS_CONSTRAINED_DELAUNAY, false));
+    EXPECT_TRUE(capture.printed("Dt2::createConstraint(..), WARNING: vSegments is empty, returning NULL"));
+}
+
+TEST(ConstraintApply, GoesOnAfterARoundThatOnlyDividedAnotherSegment) {
+    Kelm_2D dt(100); // one block: addresses rise, and the first segment comes first in each round
+    for (const Point2& p :
+         std::vector<Point2>{{0, 0, 0}, {10, 0, 0}, {0, 5, 0}, {10, 5, 0}, {5, -5e-7, 0}, {5, 10, 0}})
+        dt.insert(p);
+    dt.insert({{-20, -20, 0}, {30, -20, 0}, {5, 40, 0}, {4.9, 2, 0}, {5.1, 2, 0}});
+    const std::vector<Segment2> v{
+        {{0, 0, 0}, {10, 0, 0}}, {{0, 5, 0}, {10, 5, 0}}, {{5, -5e-7, 0}, {5, 10, 0}}};
+    for (const int i : {0, 1, 2})
+        dt.createConstraint({v[i]}, i == 0 ? CIS_CONSTRAINED_DELAUNAY : CIS_CONFORMING_LINEAR_HEIGHT);
+    dt.applyConstraintsAndZones();
+    ASSERT_EQ("", fault(dt, v));
+}
+
+TEST(ConstraintApply, GivesUpWithoutDigitsAndTheCheckReportsWhatIsMissing) {
+    const ScratchDirectory scratch;
+    CoutCapture capture;
+    const double m = std::ldexp(1, 52); // where doubles are integers
+    Kelm_2D dt;
+    dt.insert({{m - 99, m - 99, 0}, {m + 99, m - 99, 0}, {m, m + 99, 0}, {m + 1, m, 0}, {m + 2, m + 1, 0}});
+    dt.createConstraint({{{m, m, 0}, {m + 3, m + 1, 0}}}, CIS_CONFORMING_SURFACE_HEIGHT);
+    capture.take();
+    dt.applyConstraintsAndZones();
+    EXPECT_TRUE(
+        capture.printed("Dt2::insertSegmentConformingDelaunay(), WARNING: Double precision arithmetic does "
+                        "not allow to split a segment further, giving up. Incorrect result!"));
+    ASSERT_VALID_MESH(dt);
+    ASSERT_EQ(1U, alive(dt).size());
+    EXPECT_FALSE(dt.checkValidity(true, "lost"));
+    std::ostringstream missing;
+    missing << "Not contained: " << *alive(dt)[0];
+    const std::string printed = capture.take();
+    EXPECT_TRUE(has(printed, "\n* ConstraintSegments (alive): 1, contained: 0, missing: 1\n")) << printed;
+    EXPECT_TRUE(has(printed, missing.str())) << printed;
+    EXPECT_TRUE(has(std::filesystem::directory_iterator(".")->path().string(), "_checkValidityFail_lost.ps"));
+}
+
+TEST(ConstraintApply, ProgressIsThatOfTheWholeAndOfNothingInside) {
+    struct : MsgBase {
+        void update(MsgType, const std::string& s, double value) override { mValues[s].push_back(value); }
+        std::map<std::string, std::vector<double>> mValues;
+    } receiver;
+    Kelm_2D dt;
+    dt.insert(frame);
+    dt.subscribe(MSG_PROGRESS, &receiver);
+    std::vector<Segment2> v;
+    for (int i = 0; i < 200; ++i)
+        v.push_back({{i * 0.3, i % 7 * 0.2, 0}, {i * 0.3 + 2, 5 - i % 3 * 0.1, 0}});
+    dt.createConstraint(v, CIS_CONFORMING_LINEAR_HEIGHT);
+    dt.applyConstraintsAndZones();
+    EXPECT_EQ(2U, receiver.mValues.size());
+    for (const char* label : {"establish constraints", "apply"}) {
+        const std::vector<double>& v01 = receiver.mValues[label];
+        ASSERT_LE(90U, v01.size()) << label;
+        EXPECT_TRUE(v01.back() == 1.0 && std::is_sorted(v01.begin(), v01.end(), std::less_equal<>()))
+            << label;
+    }
+}
+
+TEST(ConstraintFiles, DebugFilesHoldThePiecesOfEachGraphAndDrawingsTellThemFromOtherEdges) {
+    const ScratchDirectory scratch;
+    CoutCapture capture;
+    Kelm_2D dt;
+    dt.insert(frame);
+    dt.createConstraint({{{0, 0, 0.1}, {8, 0, 1}}}, CIS_CONSTRAINED_DELAUNAY);
+    dt.createConstraint({{{4, -1, 0}, {4, 1, 0}}, {{9, 9, 1}, {9.5, 9, 1}}}, CIS_CONSTRAINED_DELAUNAY);
+    const ConstraintMgr& mgr = dt.getImpl()->getConstraintMgr();
+    mgr.writeConstraints("missing/a"); // ignored
+    mgr.writeConstraints("a");
+    mgr.writeConstraintsBIN("a");
+    const std::string lines = capture.take();
+    EXPECT_TRUE(has(lines, "ConstraintMgr::writeConstraints(), INFO: writes2 child segments to a_c0.con\n"));
+    EXPECT_TRUE(
+        has(lines, "ConstraintMgr::writeConstraintsBIN(), INFO: writes3 child segments to a_c1_con.bin\n"));
+    for (const std::string name : {"a_c0", "a_c1"}) {
+        std::vector<Segment2> vPieces;
+        ASSERT_TRUE(readSegmentsBIN((name + "_con.bin").c_str(), vPieces));
+        EXPECT_EQ(name == "a_c0" ? 2U : 3U, vPieces.size());
+        std::istringstream text(readFile(name + ".con"));
+        double t[6];
+        for (const Segment2& s : vPieces) {
+            EXPECT_TRUE(dt.isConstraint(vertexAt(dt, s.getSrc()), vertexAt(dt, s.getTrg())));
+            text >> t[0] >> t[1] >> t[2] >> t[3] >> t[4] >> t[5];
+            EXPECT_TRUE(s.getSrc().samePoint({t[0], t[1], t[2]}) && s.getTrg().samePoint({t[3], t[4], t[5]}));
+        }
+        EXPECT_FALSE(text.fail());
+    }
+    EXPECT_TRUE(has(readFile("a_c0.con"), "0\t0\t0.1000000000000000055511151231257827"));
+    for (const bool bWith : {true, false}) {
+        dt.show("page.ps", bWith);
+        const std::string page = readFile("page.ps");
+        EXPECT_EQ(bWith, has(page, "\n1\t0\t0\tsetrgbcolor\n0.5\tsetlinewidth\n"));
+        EXPECT_EQ(!bWith, has(page, "\n0.001\tsetlinewidth\n"));
+    }
+}
+
+TEST(CenterWithShift, TheLineRunsBetweenTheResultAndTheNextDouble) {
+    std::mt19937_64 random(3);
+    QuorTest quorTest;
+    quorTest.setRange(1e6);
+    for (int i = 0; i < 4000; ++i) {
+        const auto coordinate = [&] { return std::ldexp(double(random() >> 11), i % 30 - 63); };
+        const Point2 a(coordinate(), coordinate(), 1), b(coordinate(), coordinate(), 4);
+        const Point2 c = centerWithShift(a, b, quorTest);
+        const double dx = std::fabs(a.x() - b.x()), dy = std::fabs(a.y() - b.y());
+        EXPECT_EQ(2.5, c.z());
+        EXPECT_LE(std::fabs(c.x() - 0.5 * (a.x() + b.x())), std::min(0.001, 0.01 * dx));
+        EXPECT_LE(std::fabs(c.y() - 0.5 * (a.y() + b.y())), std::min(0.001, 0.01 * dy));
+        const int side = exactOrientation(a, b, c); // the axis of the larger extent is corrected last
+        const auto sideNext = [&](double to) {
+            return exactOrientation(a, b,
+                                    dx < dy ? Point2(c.x(), std::nextafter(c.y(), to), 0)
+                                            : Point2(std::nextafter(c.x(), to), c.y(), 0));
+        };
+        EXPECT_TRUE(side == 0 || sideNext(HUGE_VAL) != side || sideNext(-HUGE_VAL) != side) << i;
+    }
+}
+
+TEST(ConstraintSpeed, HubsAndCorridorsTakeLinearTime) {
+    constexpr int n = 40000;
+    std::vector<Point2> vRing, vValley{{-1000, 0, 0}, {1000, 0, 0}, {0.5, -1, 0}};
+    std::vector<Segment2> vSpokes;
+    for (int i = 0; i < n; ++i) {
+        const double angle = i * 2 * 3.14159265358979 / n, t = double(i) / n - 0.5;
+        vRing.emplace_back(std::cos(angle), std::sin(angle), 0);
+        vSpokes.push_back({vRing.back(), {0, 0, 0}});
+        vValley.emplace_back(t, 0.1 + t * t, 0);
+    }
+    const auto start = std::chrono::steady_clock::now();
+    for (const ConstraintInsertionStrategy cis : aStrategy) {
+        Kelm_2D dt;
+        dt.insert(vRing);
+        dt.insert({0, 0, 0}); // the hub has the highest address
+        dt.createConstraint(vSpokes, cis);
+        dt.applyConstraintsAndZones();
+    }
+    Kelm_2D dt;
+    dt.insert(vValley);
+    dt.createConstraint({{vValley[0], vValley[1]}}, CIS_CONSTRAINED_DELAUNAY);
+    // A fraction of a second, where a quadratic cost of one of them takes several seconds.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    ASSERT_VALID_MESH(dt);
+}
