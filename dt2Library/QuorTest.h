@@ -134,9 +134,9 @@ void getIntersection2D(const Point2* p0, const Point2* p1, const Point2* q0, con
 
 /// Crossing of the constraints (c0, c1), which was there first, and (s, t), with a height, for callers that
 /// know the two to cross. An end of one that lies beside the other, closer than 1e-6 to the crossing, is
-/// taken itself. Otherwise the height is that of the first constraint and the custom index is -1. Thread
-/// safe.
-/// The result is a progress for both.
+/// taken itself. So is one that is all but on the other: constraints that nearly coincide would cross again
+/// and again if each crossing were a new place next to them. Otherwise the height is that of the first
+/// constraint and the custom index is -1. The result is a progress for both. Thread safe.
 Point2 getIntersection25D(const Point2& c0, const Point2& c1, const Point2& s, const Point2& t);
 
 /// Whether dividing the segment of a and b at c, unless that is an end, gives shorter pieces or ones with

@@ -7,7 +7,9 @@
 
 #include <kelm25d/Bbox2.h>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <mutex>
 
 namespace QUOR_KELM25D {
@@ -18,7 +20,8 @@ constexpr double minRun = 1e-50;           // a smaller |dx| counts as a vertica
 constexpr double verticalSlope = 100000.0; // the slope that stands for it
 constexpr double steepSlope = 1000.0;
 constexpr double minSlopeDifference = 0.01;
-constexpr double sqSnapDistance = 1e-12; // of a crossing and an end
+constexpr double roundingOfCrossing = 0x1p-51; // relative to the coordinates
+constexpr double sqSnapDistance = 1e-12;       // of a crossing and an end
 
 double squaredDistance2D(const Point2& a, const Point2& b) noexcept {
     const double dx = a.x() - b.x(), dy = a.y() - b.y();
@@ -72,6 +75,14 @@ bool isInBox(const Point2& a, const Point2& b, const Point2& c) noexcept {
            c.y() >= std::fmin(a.y(), b.y()) && c.y() <= std::fmax(a.y(), b.y());
 }
 
+/// Whether c is no farther from the line of a and b than the rounding of a crossing is.
+bool isAllButOnLine(const Point2& a, const Point2& b, const Point2& c) noexcept {
+    const double dx = b.x() - a.x(), dy = b.y() - a.y();
+    const double doubleArea = dx * (c.y() - a.y()) - dy * (c.x() - a.x());
+    const double rounding = roundingOfCrossing * std::max({a.getMaxAbs(), b.getMaxAbs(), c.getMaxAbs()});
+    return std::fabs(doubleArea) <= rounding * std::max(std::fabs(dx), std::fabs(dy));
+}
+
 } // namespace
 
 bool isProgress(const Point2& a, const Point2& b, const Point2& c) noexcept {
@@ -120,13 +131,13 @@ Point2 getIntersection25D(const Point2& c0, const Point2& c1, const Point2& s, c
     getIntersection2D(&c0, &c1, &s, &t, x, y);
     Point2 crossing(x, y, 0.0);
     const Point2* pNearest = nullptr;
-    double nearest = sqSnapDistance;
+    double nearest = std::numeric_limits<double>::infinity();
     const auto tryEnd = [&](const Point2& end, const Point2& a, const Point2& b) {
         const double distance = squaredDistance2D(end, crossing);
-        if (distance < nearest && isOnSegment(a, b, end) && isGood(end)) {
-            nearest = distance;
-            pNearest = &end;
-        }
+        if (distance >= nearest || (distance >= sqSnapDistance && !isAllButOnLine(a, b, end))) return;
+        if (!isOnSegment(a, b, end) || !isGood(end)) return;
+        nearest = distance;
+        pNearest = &end;
     };
     tryEnd(c0, s, t);
     tryEnd(c1, s, t);

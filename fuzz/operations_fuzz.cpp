@@ -58,10 +58,10 @@ public:
 private:
     double coordinate() {
         const unsigned value = input.byte();
-        // Small integers, near the origin or far off; near it some are off by a unit in the last place.
+        // Small integers, some of them near the origin and off by a unit in the last place, or far off.
         const double integer = value % 16;
-        if ((flags & 2) != 0) return integer + 1e9;
-        return (flags & 1) != 0 && value >= 240 ? integer * (1 + 0x1p-52) : integer;
+        if ((flags & 1) != 0 && value >= 240) return integer * (1 + 0x1p-52);
+        return (flags & 2) != 0 ? integer + 1e9 : integer;
     }
     Point2 point() {
         const double x = coordinate(), y = coordinate();

@@ -6,7 +6,7 @@
 #include "centerWithShift.h"
 
 #include <chrono>
-#include <sstream>
+#include <regex>
 
 namespace {
 
@@ -14,10 +14,10 @@ constexpr ConstraintInsertionStrategy aStrategy[] = {CIS_CONFORMING_SURFACE_HEIG
                                                      CIS_CONFORMING_LINEAR_HEIGHT};
 const std::vector<Point2> frame{{-100, -100, 0}, {100, -100, 0}, {100, 100, 0}, {-100, 100, 0}};
 
-std::vector<ConstraintSegment2*> alive(const Kelm_2D& dt) {
+std::size_t numAlive(const Kelm_2D& dt) {
     std::vector<ConstraintSegment2*> v;
     dt.getAliveConstraintSegments(v);
-    return v;
+    return v.size();
 }
 
 std::vector<Point2*> vertices(const Kelm_2D& dt) {
@@ -72,10 +72,11 @@ TEST(ConstraintInsertion, CrossingsTakeTheHeightOfTheFirstOrAnEndNearby) {
             dt.createConstraint(way < 2 ? v : std::vector<Segment2>{v[0]}, aStrategy[1], way % 2 == 0);
             if (way >= 2) dt.createConstraint({v[1]}, aStrategy[1], way % 2 == 0);
             ASSERT_EQ("", fault(dt, v));
-            EXPECT_TRUE(alive(dt).size() == c.numPieces && dt.numberOfPoints() == numBefore + c.numNew);
+            EXPECT_TRUE(numAlive(dt) == c.numPieces && dt.numberOfPoints() == numBefore + c.numNew);
             const Point2* pMeeting = vertexAt(dt, c.meeting);
             ASSERT_NE(nullptr, pMeeting);
-            EXPECT_TRUE(way < 2 || pMeeting->z() == c.meeting.z()) << *pMeeting;
+            EXPECT_TRUE(way < 2 || pMeeting->z() == c.meeting.z())
+                << *pMeeting; // in one call there is no first
         }
     }
 }
@@ -87,14 +88,13 @@ TEST(ConstraintInsertion, EveryStrategyMeetsEveryOtherAndHalvesWithItsHeight) {
         dt.insert(frame);
         dt.insert({{0.25, 1, 0}, {-0.25, -1, 0}, {33, 0, 70}}); // beside the middle, and on the segment
         const std::vector<Segment2> v0{{{-32, 0, 70}, {64, 0, 70}}}, v1{{{8, -7, 0}, {8.5, 7, 0}}};
-        const ConstraintGraph2* pFirst = dt.createConstraint(v0, aStrategy[i / 3]);
+        dt.createConstraint(v0, aStrategy[i / 3]);
         dt.applyConstraintsAndZones();
-        const ConstraintGraph2* pSecond = dt.createConstraint(v1, aStrategy[i % 3]);
+        dt.createConstraint(v1, aStrategy[i % 3]);
         ASSERT_VALID_MESH(dt);
         dt.applyConstraintsAndZones();
         ASSERT_EQ("", fault(dt, v0));
-        ASSERT_VALID_CONSTRAINTS(dt, v0, pFirst);
-        ASSERT_VALID_CONSTRAINTS(dt, v1, pSecond);
+        ASSERT_EQ("", fault(dt, v1));
         int numLow = 0; // the surface is flat away from the segment's own vertices
         for (const Point2* pVtx : vertices(dt))
             numLow += pVtx->y() == 0 && pVtx->z() < 69.999;
@@ -106,6 +106,10 @@ TEST(ConstraintInsertion, EveryStrategyMeetsEveryOtherAndHalvesWithItsHeight) {
 }
 
 TEST(ConstraintInsertion, WaitsForTheThirdPointAndOutlastsTheLossOfTheMesh) {
+    const std::regex warnings(
+        "Kelm2D::a.*, WARNING: The triangulation is not 2D yet, can't apply the constraints"
+        "\n\n\n.* Dt2::applyConstraintsAndZones\\(\\), WARNING: The triangulation is not "
+        "full dimensional yet. Nothing to do\n");
     for (int variant = 0; variant < 12; ++variant) {
         SCOPED_TRACE(variant);
         CoutCapture capture;
@@ -115,25 +119,17 @@ TEST(ConstraintInsertion, WaitsForTheThirdPointAndOutlastsTheLossOfTheMesh) {
         const std::vector<Segment2> v{{{0, 0, 2}, {8, 6, 2}}, {{4, 3, 2}, {0, 0, 2}}};
         dt.createConstraint(v, aStrategy[variant % 3], variant % 2 == 0);
         EXPECT_TRUE(!dt.is2D() && dt.numberOfPoints() == 3) << dt.numberOfPoints();
-        for (const ConstraintSegment2* pCSeg : alive(dt))
-            EXPECT_TRUE(dt.isConstraint(pCSeg->getSrc(), pCSeg->getTrg()));
+        ASSERT_EQ("", fault(dt, v));
         dt.applyConstraintsAndZones();
         dt.getImpl()->applyConstraintsAndZones();
-        const std::string printed = capture.take();
-        EXPECT_TRUE(has(printed,
-                        "Kelm2D::applyConstraintsAndZones(), WARNING: The triangulation is not 2D yet, "
-                        "can't apply the constraints"))
-            << printed;
-        EXPECT_TRUE(has(printed, "Dt2::applyConstraintsAndZones(), WARNING: The triangulation is not full "
-                                 "dimensional yet. Nothing to do"))
-            << printed;
+        EXPECT_TRUE(std::regex_search(capture.take(), warnings));
         for (const double x : {1, 2, 3}) {
             Point2* pThird = dt.insert({x, 5, 0});
             dt.applyConstraintsAndZones();
             ASSERT_EQ("", fault(dt, v));
             dt.remove(pThird);
             dt.insert({{4, 3, 8}, {0, 0, 8}}); // duplicates may not take the places of the ends
-            ASSERT_VALID_MESH(dt);
+            ASSERT_EQ("", fault(dt, v));
         }
     }
 }
@@ -163,7 +159,7 @@ TEST(ConstraintInsertion, LaterPointsDivideConstraintsAndOnlyOthersCanBeRemovedA
         dt.createConstraint(v, CIS_CONSTRAINED_DELAUNAY);
         std::vector<Point2> vPoints; // with the height 1 on constraints, else 2
         for (int i = 0; i < 500; ++i) {
-            const double x = double(random() % 4080 + 9);
+            const double x = static_cast<double>(random() % 4080 + 9);
             vPoints.insert(vPoints.end(), {{x, 0, 1}, {x, x / 2, 1}, {x, std::nextafter(4, 5), 2}});
             if (i % 100 == 0) vPoints.insert(vPoints.end(), {{x, -x, 2}, {x, 5000 + x, 2}}); // the hull grows
         }
@@ -173,15 +169,15 @@ TEST(ConstraintInsertion, LaterPointsDivideConstraintsAndOnlyOthersCanBeRemovedA
         ASSERT_EQ("", fault(dt, v));
         std::vector<Point2*> vVertices = vertices(dt);
         std::shuffle(vVertices.begin(), vVertices.end(), random);
-        CoutCapture out, err(std::cerr);
+        const std::string refusal = "Dt2::remove(), WARNING: Illegal: Can't remove a constraint vertex\n";
         for (Point2* pVtx : vVertices) {
-            const unsigned numExpected = dt.numberOfPoints() - (pVtx->z() < 2 ? 0 : 1);
+            CoutCapture out, err(std::cerr);
+            const bool bEnd = pVtx->z() < 2;
+            const unsigned numExpected = dt.numberOfPoints() - (bEnd ? 0 : 1);
             dt.remove(pVtx);
-            const bool bRefused =
-                out.printed("Dt2::remove(), WARNING: Illegal: Can't remove a constraint vertex");
-            ASSERT_TRUE(bRefused == (pVtx->z() < 2) && bRefused == err.printed("Point2 (")) << *pVtx;
+            ASSERT_TRUE(out.printed(refusal) == bEnd && err.printed("Point2 (") == bEnd) << *pVtx;
             ASSERT_EQ(numExpected, dt.numberOfPoints());
-            if (dt.numberOfPoints() % 50 == 0) ASSERT_EQ("", fault(dt, v));
+            ASSERT_EQ("", pVtx->x() < 4000 ? "" : fault(dt, v));
         }
         ASSERT_EQ("", fault(dt, v));
     }
@@ -191,21 +187,21 @@ TEST(ConstraintInsertion, BadInputGivesItsMessageAndChangesNothing) {
     const Segment2 point({1, 2, 3}, {1, 2, 4}), good({0, 0, 0}, {5, 5, 0});
     const Segment2 nan({0, 0, 0}, {std::nan(""), 0, 0}), inf({0, -HUGE_VAL, 0}, {1, 0, 0});
     const char* skipped = "ConstraingMgr::createConstraint, WARNING: (0) Identical source and endpoint, a "
-                          "constraint segment has been skipped.";
-    const char* notFinite = "ERROR: a coordinate is not finite, none of the points is inserted";
-    const char* none = "createConstraint(), WARNING: You have not supplied any segments. Returning NULL!";
+                          "constraint segment has been skipped.\n";
+    const char* notFinite = "ERROR: a coordinate is not finite, none of the points is inserted\n";
     const struct {
         std::vector<Segment2> v;
         int cis, numSegments; // -1: no graph
         bool bOriented;
         std::string text;
-    } aCase[] = {{{}, 1, -1, false, none},
-                 {{point}, 1, 0, false, skipped},
-                 {{good, point}, 1, 1, false, skipped},
-                 {{good, point}, 1, 1, true, ""},
-                 {{good, nan}, 1, -1, false, notFinite},
-                 {{inf, good}, 0, -1, true, notFinite},
-                 {{good}, 7, 1, false, "ConstraintMgr::apply(), ERROR: Unknown CIS"}};
+    } aCase[] = {
+        {{}, 1, -1, false, "createConstraint(), WARNING: You have not supplied any segments. Returning"},
+        {{point}, 1, 0, false, skipped},
+        {{good, point}, 1, 1, false, skipped},
+        {{good, point}, 1, 1, true, ""},
+        {{good, nan}, 1, -1, false, notFinite},
+        {{inf, good}, 0, -1, true, notFinite},
+        {{good}, 7, 1, false, "ConstraintMgr::apply(), ERROR: Unknown CIS\n"}};
     for (const auto& c : aCase) {
         CoutCapture capture;
         Kelm_2D dt;
@@ -214,27 +210,28 @@ TEST(ConstraintInsertion, BadInputGivesItsMessageAndChangesNothing) {
         EXPECT_EQ(c.numSegments < 0, dt.createConstraint(c.v, cis, c.bOriented) == nullptr);
         const std::string printed = capture.take();
         EXPECT_TRUE(c.text.empty() ? printed.empty() : has(printed, c.text)) << printed;
-        EXPECT_EQ(std::max(0, c.numSegments), int(alive(dt).size())) << c.text;
+        EXPECT_EQ(std::max(0, c.numSegments), static_cast<int>(numAlive(dt))) << c.text;
         EXPECT_EQ(c.numSegments < 0, dt.numberOfPoints() == 4) << c.text;
         ASSERT_VALID_MESH(dt);
     }
     CoutCapture capture;
     EXPECT_EQ(nullptr, Kelm_2D().getImpl()->createConstraint({}, CIS_CONSTRAINED_DELAUNAY, false));
-    EXPECT_TRUE(capture.printed("Dt2::createConstraint(..), WARNING: vSegments is empty, returning NULL"));
+    EXPECT_TRUE(capture.printed("Dt2::createConstraint(..), WARNING: vSegments is empty, returning NULL\n"));
 }
 
 TEST(ConstraintApply, GoesOnAfterARoundThatOnlyDividedAnotherSegment) {
-    Kelm_2D dt(100); // one block: addresses rise, and the first segment comes first in each round
-    for (const Point2& p :
-         std::vector<Point2>{{0, 0, 0}, {10, 0, 0}, {0, 5, 0}, {10, 5, 0}, {5, -5e-7, 0}, {5, 10, 0}})
-        dt.insert(p);
-    dt.insert({{-20, -20, 0}, {30, -20, 0}, {5, 40, 0}, {4.9, 2, 0}, {5.1, 2, 0}});
-    const std::vector<Segment2> v{
-        {{0, 0, 0}, {10, 0, 0}}, {{0, 5, 0}, {10, 5, 0}}, {{5, -5e-7, 0}, {5, 10, 0}}};
-    for (const int i : {0, 1, 2})
-        dt.createConstraint({v[i]}, i == 0 ? CIS_CONSTRAINED_DELAUNAY : CIS_CONFORMING_LINEAR_HEIGHT);
+    Kelm_2D dt(100); // one block of storage: addresses rise
+    for (const double y : {0.0, 5.0})
+        for (const double x : {0.0, 10.0})
+            dt.insert({x, y, 0});
+    dt.insert({5, -5e-7, 0});
+    dt.insert({{5, 10, 0}, {-20, -20, 0}, {30, -20, 0}, {5, 40, 0}, {4.9, 2, 0}, {5.1, 2, 0}});
+    const Segment2 a({0, 0, 0}, {10, 0, 0}), b({0, 5, 0}, {10, 5, 0}), c({5, -5e-7, 0}, {5, 10, 0});
+    dt.createConstraint({a}, CIS_CONSTRAINED_DELAUNAY);
+    dt.createConstraint({b}, CIS_CONFORMING_LINEAR_HEIGHT);
+    dt.createConstraint({c}, CIS_CONFORMING_LINEAR_HEIGHT); // divided at b, and only later divides a
     dt.applyConstraintsAndZones();
-    ASSERT_EQ("", fault(dt, v));
+    ASSERT_EQ("", fault(dt, {a, b, c}));
 }
 
 TEST(ConstraintApply, GivesUpWithoutDigitsAndTheCheckReportsWhatIsMissing) {
@@ -246,18 +243,16 @@ TEST(ConstraintApply, GivesUpWithoutDigitsAndTheCheckReportsWhatIsMissing) {
     dt.createConstraint({{{m, m, 0}, {m + 3, m + 1, 0}}}, CIS_CONFORMING_SURFACE_HEIGHT);
     capture.take();
     dt.applyConstraintsAndZones();
-    EXPECT_TRUE(
-        capture.printed("Dt2::insertSegmentConformingDelaunay(), WARNING: Double precision arithmetic does "
-                        "not allow to split a segment further, giving up. Incorrect result!"));
-    ASSERT_VALID_MESH(dt);
-    ASSERT_EQ(1U, alive(dt).size());
     EXPECT_FALSE(dt.checkValidity(true, "lost"));
-    std::ostringstream missing;
-    missing << "Not contained: " << *alive(dt)[0];
     const std::string printed = capture.take();
-    EXPECT_TRUE(has(printed, "\n* ConstraintSegments (alive): 1, contained: 0, missing: 1\n")) << printed;
-    EXPECT_TRUE(has(printed, missing.str())) << printed;
+    for (const char* text :
+         {"Dt2::insertSegmentConformingDelaunay(), WARNING: Double precision arithmetic does not "
+          "allow to split a segment further, giving up. Incorrect result!\n",
+          "\n* ConstraintSegments (alive): 1, contained: 0, missing: 1\n",
+          "\nNot contained: ConstraintSegment2 label "})
+        EXPECT_TRUE(has(printed, text)) << printed;
     EXPECT_TRUE(has(std::filesystem::directory_iterator(".")->path().string(), "_checkValidityFail_lost.ps"));
+    ASSERT_VALID_MESH(dt);
 }
 
 TEST(ConstraintApply, ProgressIsThatOfTheWholeAndOfNothingInside) {
@@ -275,10 +270,9 @@ TEST(ConstraintApply, ProgressIsThatOfTheWholeAndOfNothingInside) {
     dt.applyConstraintsAndZones();
     EXPECT_EQ(2U, receiver.mValues.size());
     for (const char* label : {"establish constraints", "apply"}) {
-        const std::vector<double>& v01 = receiver.mValues[label];
-        ASSERT_LE(90U, v01.size()) << label;
-        EXPECT_TRUE(v01.back() == 1.0 && std::is_sorted(v01.begin(), v01.end(), std::less_equal<>()))
-            << label;
+        const std::vector<double>& values = receiver.mValues[label];
+        EXPECT_TRUE(values.size() >= 90 && values.back() == 1.0) << label;
+        EXPECT_EQ(values.end(), std::adjacent_find(values.begin(), values.end(), std::greater_equal<>()));
     }
 }
 
@@ -300,16 +294,13 @@ TEST(ConstraintFiles, DebugFilesHoldThePiecesOfEachGraphAndDrawingsTellThemFromO
     for (const std::string name : {"a_c0", "a_c1"}) {
         std::vector<Segment2> vPieces;
         ASSERT_TRUE(readSegmentsBIN((name + "_con.bin").c_str(), vPieces));
-        EXPECT_EQ(name == "a_c0" ? 2U : 3U, vPieces.size());
-        std::istringstream text(readFile(name + ".con"));
-        double t[6];
-        for (const Segment2& s : vPieces) {
+        const std::string text = readFile(name + ".con");
+        EXPECT_EQ(static_cast<int>(vPieces.size()), std::count(text.begin(), text.end(), '\n'));
+        for (const Segment2& s : vPieces)
             EXPECT_TRUE(dt.isConstraint(vertexAt(dt, s.getSrc()), vertexAt(dt, s.getTrg())));
-            text >> t[0] >> t[1] >> t[2] >> t[3] >> t[4] >> t[5];
-            EXPECT_TRUE(s.getSrc().samePoint({t[0], t[1], t[2]}) && s.getTrg().samePoint({t[3], t[4], t[5]}));
-        }
-        EXPECT_FALSE(text.fail());
     }
+    const std::regex line("(^|\n)([0-9.]+\t){5}[0-9.]+\n");
+    EXPECT_TRUE(std::regex_search(readFile("a_c0.con"), line));
     EXPECT_TRUE(has(readFile("a_c0.con"), "0\t0\t0.1000000000000000055511151231257827"));
     for (const bool bWith : {true, false}) {
         dt.show("page.ps", bWith);
@@ -324,7 +315,7 @@ TEST(CenterWithShift, TheLineRunsBetweenTheResultAndTheNextDouble) {
     QuorTest quorTest;
     quorTest.setRange(1e6);
     for (int i = 0; i < 4000; ++i) {
-        const auto coordinate = [&] { return std::ldexp(double(random() >> 11), i % 30 - 63); };
+        const auto coordinate = [&] { return std::ldexp(static_cast<double>(random() >> 11), i % 30 - 63); };
         const Point2 a(coordinate(), coordinate(), 1), b(coordinate(), coordinate(), 4);
         const Point2 c = centerWithShift(a, b, quorTest);
         const double dx = std::fabs(a.x() - b.x()), dy = std::fabs(a.y() - b.y());
@@ -332,12 +323,12 @@ TEST(CenterWithShift, TheLineRunsBetweenTheResultAndTheNextDouble) {
         EXPECT_LE(std::fabs(c.x() - 0.5 * (a.x() + b.x())), std::min(0.001, 0.01 * dx));
         EXPECT_LE(std::fabs(c.y() - 0.5 * (a.y() + b.y())), std::min(0.001, 0.01 * dy));
         const int side = exactOrientation(a, b, c); // the axis of the larger extent is corrected last
-        const auto sideNext = [&](double to) {
-            return exactOrientation(a, b,
-                                    dx < dy ? Point2(c.x(), std::nextafter(c.y(), to), 0)
-                                            : Point2(std::nextafter(c.x(), to), c.y(), 0));
+        const auto isBetween = [&](double to) {
+            const double x = dx < dy ? c.x() : std::nextafter(c.x(), to);
+            const double y = dx < dy ? std::nextafter(c.y(), to) : c.y();
+            return exactOrientation(a, b, {x, y, 0}) != side;
         };
-        EXPECT_TRUE(side == 0 || sideNext(HUGE_VAL) != side || sideNext(-HUGE_VAL) != side) << i;
+        EXPECT_TRUE(side == 0 || isBetween(HUGE_VAL) || isBetween(-HUGE_VAL)) << i;
     }
 }
 
@@ -346,7 +337,7 @@ TEST(ConstraintSpeed, HubsAndCorridorsTakeLinearTime) {
     std::vector<Point2> vRing, vValley{{-1000, 0, 0}, {1000, 0, 0}, {0.5, -1, 0}};
     std::vector<Segment2> vSpokes;
     for (int i = 0; i < n; ++i) {
-        const double angle = i * 2 * 3.14159265358979 / n, t = double(i) / n - 0.5;
+        const double angle = i * 2 * 3.14159265358979 / n, t = static_cast<double>(i) / n - 0.5;
         vRing.emplace_back(std::cos(angle), std::sin(angle), 0);
         vSpokes.push_back({vRing.back(), {0, 0, 0}});
         vValley.emplace_back(t, 0.1 + t * t, 0);
