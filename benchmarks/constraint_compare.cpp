@@ -10,6 +10,7 @@
 // to agree only nearly.
 
 #include "benchPoints.h"
+#include "cgalPoints.h"
 #include "compare.h"
 
 #include <kelm25d/Bbox2.h>
@@ -18,7 +19,6 @@
 
 #include <CGAL/Constrained_Delaunay_triangulation_2.h>
 #include <CGAL/Constrained_triangulation_plus_2.h>
-#include <CGAL/Exact_predicates_inexact_constructions_kernel.h>
 #include <CGAL/Spatial_sort_traits_adapter_2.h>
 #include <CGAL/property_map.h>
 #include <CGAL/spatial_sort.h>
@@ -31,8 +31,9 @@ using namespace QUOR_KELM25D;
 
 namespace {
 
-using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
-using CgalPoints = std::vector<Kernel::Point_2>;
+using bench::CgalPoints;
+using bench::Kernel;
+using bench::toCgal;
 using CgalSegments = std::vector<std::pair<Kernel::Point_2, Kernel::Point_2>>;
 using Disjoint = CGAL::Constrained_Delaunay_triangulation_2<Kernel>;
 using Crossing =
@@ -48,15 +49,6 @@ struct Scene {
     bool bRandomOrder; // of the segments
     double tolerance;  // of the number of triangles, as a part of it
 };
-
-CgalPoints toCgal(const std::vector<Point2>& vPoints) {
-    CgalPoints vCgal;
-    vCgal.reserve(vPoints.size());
-    for (const Point2& p : vPoints) {
-        vCgal.emplace_back(p.x(), p.y());
-    }
-    return vCgal;
-}
 
 CgalSegments toCgal(const std::vector<Segment2>& vSegments) {
     CgalSegments vCgal;

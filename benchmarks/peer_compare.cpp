@@ -3,12 +3,12 @@
 // million. CGAL's exact predicates are on, as the library's always are.
 
 #include "benchPoints.h"
+#include "cgalPoints.h"
 #include "compare.h"
 
 #include <kelm25d/Kelm_2D.h>
 
 #include <CGAL/Delaunay_triangulation_2.h>
-#include <CGAL/Exact_predicates_inexact_constructions_kernel.h>
 
 #include <cstdlib>
 
@@ -16,18 +16,10 @@ using namespace QUOR_KELM25D;
 
 namespace {
 
-using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
+using bench::CgalPoints;
+using bench::Kernel;
+using bench::toCgal;
 using CgalTriangulation = CGAL::Delaunay_triangulation_2<Kernel>;
-using CgalPoints = std::vector<Kernel::Point_2>;
-
-CgalPoints toCgal(const std::vector<Point2>& vPoints) {
-    CgalPoints vCgal;
-    vCgal.reserve(vPoints.size());
-    for (const Point2& p : vPoints) {
-        vCgal.emplace_back(p.x(), p.y());
-    }
-    return vCgal;
-}
 
 void compareBulk(bench::Kind kind, int numPoints, int numRuns) {
     const std::vector<Point2> vPoints = bench::makePoints(kind, numPoints);

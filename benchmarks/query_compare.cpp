@@ -6,12 +6,12 @@
 // starts at the vertex index.
 
 #include "benchPoints.h"
+#include "cgalPoints.h"
 #include "compare.h"
 
 #include <kelm25d/Kelm_2D.h>
 
 #include <CGAL/Delaunay_triangulation_2.h>
-#include <CGAL/Exact_predicates_inexact_constructions_kernel.h>
 #include <CGAL/Triangulation_hierarchy_2.h>
 #include <CGAL/hilbert_sort.h>
 
@@ -21,8 +21,8 @@ using namespace QUOR_KELM25D;
 
 namespace {
 
-using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
-using CgalPoints = std::vector<Kernel::Point_2>;
+using bench::CgalPoints;
+using bench::Kernel;
 using Triangulation = CGAL::Delaunay_triangulation_2<Kernel>;
 using HierarchyVertexBase =
     CGAL::Triangulation_hierarchy_vertex_base_2<CGAL::Triangulation_vertex_base_2<Kernel>>;

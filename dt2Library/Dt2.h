@@ -224,7 +224,6 @@ private:
     void newCDT_replaceCorridor(Point2* pStart, Point2* pStop);
     Triangle2* newCDT_triangulateSide(std::vector<ChainEdge>& vChain, Point2* pEnd,
                                       std::vector<Triangle2*>& vNew);
-    void newCDT_legalize(std::vector<Triangle2*>& vNew);
 
     // --- Dt2_removal.cpp ----------------------------------------------------------------------------------
 

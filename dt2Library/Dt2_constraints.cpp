@@ -282,7 +282,7 @@ void Dt2::newCDT_replaceCorridor(Point2* pStart, Point2* pStop) {
     for (Triangle2* pRemoved : vCorridor) {
         recycleTriangle(pRemoved);
     }
-    newCDT_legalize(vNew);
+    repairDelaunay(vNew);
 }
 
 /// Cuts ears off a chain of edges that ends at pEnd until one edge is left; the result is the triangle at it,
@@ -331,25 +331,6 @@ Triangle2* Dt2::newCDT_triangulateSide(std::vector<ChainEdge>& vChain, Point2* p
         vChain.resize(numKept);
     }
     return vNew.back();
-}
-
-/// Restores the empty circles of new triangles in passes, everywhere but across constraints.
-void Dt2::newCDT_legalize(std::vector<Triangle2*>& vNew) {
-    std::vector<Triangle2*> vFlipped;
-    while (!vNew.empty()) {
-        vFlipped.clear();
-        for (Triangle2* pT : vNew) {
-            for (int i = 0; i < 3; ++i) {
-                Triangle2* pN = pT->aOppTriangle[i];
-                if (pN == nullptr || !violatesCircle(pT, i)) continue;
-                flip(pT, i);
-                vFlipped.push_back(pT);
-                vFlipped.push_back(pN);
-                break;
-            }
-        }
-        vNew.swap(vFlipped);
-    }
 }
 
 /// An edge that was a constraint must have an empty circle from now on, and so must what its flip changes.
