@@ -22,6 +22,19 @@ int nextLabel = 0; // one counter for all triangulations, never reset and not gu
 const char* const runsBackText =
     "the point lies on the segment's line beyond an end, the segment is not divided";
 
+double squaredDistance2D(const Point2& a, const Point2& b) {
+    const double dx = a.x() - b.x(), dy = a.y() - b.y();
+    return dx * dx + dy * dy;
+}
+
+/// Whether p stands beyond an end by no more than the rounding of a computed point, as a + 1.0 * (b - a) may:
+/// the end is meant then. A piece to a place just beside it would cross what ends there.
+bool isMeantForEnd(const Point2& end, const Point2& otherEnd, const Point2& p) {
+    const double rounding = 0x1p-50 * end.getMaxAbs();
+    return std::fabs(end.x() - p.x()) <= rounding && std::fabs(end.y() - p.y()) <= rounding &&
+           squaredDistance2D(otherEnd, p) >= squaredDistance2D(otherEnd, end);
+}
+
 /// Whether c lies on the line through a and b, outside the segment: a constraint bent there would run back
 /// over itself.
 bool runsBack(const Point2& a, const Point2& b, const Point2& c) {
@@ -171,6 +184,8 @@ Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {
     KELM_CHECK(!sOwners.empty());
     Dt2* pOwnerDt = getDt2();
     KELM_CHECK(pOwnerDt!=0);
+    if (isMeantForEnd(*p0, *p1, point)) return p0;
+    if (isMeantForEnd(*p1, *p0, point)) return p1;
     if (runsBack(*p0, *p1, point)) {
         printError("ConstraintSegment2::insertAndSplit()", runsBackText);
         return nullptr;

@@ -81,6 +81,22 @@ TEST(ConstraintInsertion, CrossingsTakeTheHeightOfTheFirstOrAnEndNearby) {
     }
 }
 
+TEST(ConstraintInsertion, SegmentsOnOneLineButForTheRoundingNeedNoNewVertices) {
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        std::mt19937_64 random(seed);
+        const auto unit = [&] { return std::ldexp(static_cast<double>(random() >> 11), -53); };
+        const double scale = seed % 2 == 0 ? 1 : 1e6, x = unit(), y = unit(), dx = unit(), dy = unit();
+        const auto on = [&](double t) { return Point2(scale * (x + t * dx), scale * (y + t * dy), 0); };
+        std::vector<Segment2> v{{{0, -scale, 0}, {-scale, 3 * scale, 0}}}; // beside them
+        for (int i = 0; i < 6; ++i)
+            v.push_back({on(unit()), on(unit())});
+        Kelm_2D dt;
+        dt.createConstraint(v, CIS_CONSTRAINED_DELAUNAY);
+        ASSERT_EQ("", fault(dt, v)) << seed;
+        ASSERT_GE(20U, dt.numberOfPoints()) << seed;
+    }
+}
+
 TEST(ConstraintInsertion, EveryStrategyMeetsEveryOtherAndHalvesWithItsHeight) {
     for (int i = 0; i < 9; ++i) {
         SCOPED_TRACE(i);

@@ -11,7 +11,7 @@ namespace QUOR_KELM25D {
 /// or other constraints; the edges need not have empty circles. Conforming insertion adds vertices on the
 /// segment until every piece is an edge of the Delaunay triangulation by itself. Where two constraints cross,
 /// both are divided at a vertex with the height of the one that was there first.
-enum ConstraintInsertionStrategy {
+enum ConstraintInsertionStrategy : int {
     /// Conforming. A new vertex gets the height of the surface at its place; outside the hull the mean of the
     /// two ends of the piece it divides.
     CIS_CONFORMING_SURFACE_HEIGHT = 0,

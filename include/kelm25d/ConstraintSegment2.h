@@ -58,14 +58,15 @@ public:
     /// Inserts a point into the triangulation and divides this segment there.
     ///
     /// A point off the segment bends the constraint: the children are the two pieces to the new vertex. A
-    /// piece that meets vertices or other constraints is divided in its turn. A point at an end changes
-    /// nothing. For a constrained segment (CIS_CONSTRAINED_DELAUNAY) the pieces are edges of the mesh when
-    /// this returns; a conforming one may leave work to Kelm_2D::applyConstraintsAndZones. A piece of a bent
-    /// constraint that would have to run over a segment it came from stays without an edge, after a warning.
-    /// A segment that is not alive fails a check and throws KelmException.
-    /// @return the vertex at the point's place, an existing one if there is one; null, after an error line
-    /// and with the segment as before, if a coordinate is not finite, if the point lies on the segment's line
-    /// beyond an end, or if a piece would contain this segment
+    /// piece that meets vertices or other constraints is divided in its turn. A point at an end, or beyond it
+    /// by no more than rounding, changes nothing. For a constrained segment (CIS_CONSTRAINED_DELAUNAY) the
+    /// pieces are edges of the mesh when this returns; a conforming one may leave work to
+    /// Kelm_2D::applyConstraintsAndZones. A piece of a bent constraint that would have to run over a segment
+    /// it came from stays without an edge, after a warning. A segment that is not alive fails a check and
+    /// throws KelmException.
+    /// @return the vertex at the point's place, an existing one if there is one, or that end; null, after an
+    /// error line and with the segment as before, if a coordinate is not finite, if the point lies on the
+    /// segment's line beyond an end, or if a piece would contain this segment
     Point2* insertAndSplit(const Point2& point);
     /// The same, and then removes the vertices that the mesh generator has put inside the domain closer to
     /// the new vertex than getSrc() is, unless a constraint uses them.
