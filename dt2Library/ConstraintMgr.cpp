@@ -23,7 +23,7 @@ namespace {
 // Bounds of apply() on segments that keep dividing one another: rounds, and pieces altogether, since
 // conforming segments that nearly coincide may double theirs in every round.
 constexpr int maxRounds = 499;
-constexpr std::size_t maxPieces = 1000000;
+constexpr std::size_t maxPieces = 100000;
 constexpr std::size_t maxPiecesPerSegment = 100;
 constexpr int debugDigits = 70;    // enough for every double to come out exactly in the usual range
 constexpr int stepsPerSegment = 3; // of progress: ends, graph, insertion

@@ -217,7 +217,7 @@ TEST(ConstraintInsertion, BadInputGivesItsMessageAndChangesNothing) {
         {{good, point}, 1, 1, true, ""},
         {{good, nan}, 1, -1, false, notFinite},
         {{inf, good}, 0, -1, true, notFinite},
-        {{good}, 7, 1, false, "ConstraintMgr::apply(), ERROR: Unknown CIS\n"}};
+        {{good}, 3, 1, false, "ConstraintMgr::apply(), ERROR: Unknown CIS\n"}};
     for (const auto& c : aCase) {
         CoutCapture capture;
         Kelm_2D dt;
