@@ -134,7 +134,7 @@ bool ConstraintMgr::insertEnds(const std::vector<Segment2>& vSegments2, bool bFi
                          [&](std::size_t i, std::size_t j) { return vEnds[i] < vEnds[j]; });
         for (std::size_t i = 1; i < vOrder.size(); ++i) {
             const Point2& before = vEnds[vOrder[i - 1]];
-            if (vEnds[vOrder[i]] == before) vEnds[vOrder[i]].setZ(before.z());
+            if (vEnds[vOrder[i]] == before) vEnds[vOrder[i]] = before; // height and custom index
         }
     }
     std::vector<Point2*> vHandles;
@@ -220,6 +220,10 @@ void ConstraintMgr::applyOne(ConstraintSegment2* pSegment) {
 }
 
 void ConstraintMgr::apply() {
+    for (const ConstraintSegment2* pDivided : vLeftInMesh) {
+        pDt->newCDT_legalizeEdge(pDivided->getSrc(), pDivided->getTrg());
+    }
+    vLeftInMesh.clear();
     ProgressPublisher& progress = pDt->getProgress();
     progress.begin("apply", toSteps(vSegments.size()));
     // What one insertion settles a later one may divide.

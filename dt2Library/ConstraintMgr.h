@@ -39,6 +39,8 @@ public:
     bool hasConstraints() const noexcept { return !vSegments.empty(); }
     /// The segment of the pair. Made if it is new; if not, the strategy has no effect.
     ConstraintSegment2* getSegment(Point2* a, Point2* b, ConstraintInsertionStrategy cis);
+    /// To be told of segments that were divided without a change of the mesh: their edges may still be there.
+    void addLeftInMesh(const ConstraintSegment2* pSegment) { vLeftInMesh.push_back(pSegment); }
     /// To be told of every division of a segment.
     void countDivision() noexcept { ++numDivisions; }
     /// The segment of the pair, alive or dead, or null.
@@ -102,6 +104,7 @@ private:
     Dt2* pDt;
     SegmentTable& segmentTable;
     std::size_t numDivisions = 0;
+    std::vector<const ConstraintSegment2*> vLeftInMesh; // since the last apply()
     std::vector<std::unique_ptr<ConstraintSegment2>> vSegments;       // in order of creation
     std::vector<std::unique_ptr<ConstraintGraph2>> vConstraintGraphs; // in order of creation
 };

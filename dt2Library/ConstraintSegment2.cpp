@@ -175,7 +175,15 @@ bool ConstraintSegment2::split_combinatorialOnly(Point2* pSplit) {
         printError("ConstraintSegment2::split_combinatorialOnly()", runsBackText);
         return false;
     }
-    return divide(pSplit);
+    Dt2* pOwnerDt = getDt2();
+    if (pOwnerDt->is2D() && pSplit->getIncidentTriangle() == nullptr) {
+        printError("ConstraintSegment2::split_combinatorialOnly()",
+                   "the vertex is not part of the mesh, the segment is not divided");
+        return false;
+    }
+    if (!divide(pSplit)) return false;
+    pOwnerDt->getConstraintMgr().addLeftInMesh(this);
+    return true;
 }
 
 Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {

@@ -123,7 +123,8 @@ void Dt2::newCDT_treatOneCS(ConstraintSegment2* pCSeg, LeafWalk& walk) {
 
 /// Divides a segment at a vertex. False, after a warning, if that can't be.
 bool Dt2::newCDT_divide(ConstraintSegment2* pCSeg, Point2* pSplit) {
-    const bool bOK = pCSeg->split_combinatorialOnly(pSplit);
+    KELM_CHECK(!pCSeg->hasEnd(pSplit));
+    const bool bOK = pCSeg->divide(pSplit);
     if (!bOK) {
         printWarning("Dt2::treatConstraintZone()", // "numerica" is misspelled deliberately
                      "intersection point of two constraints has bad numerica accuracy!");
@@ -376,7 +377,7 @@ void Dt2::insertSegmentConformingDelaunay(ConstraintSegment2* pCSeg) {
         center.setZ(height);
     }
     Point2* pNew = insertPoint(center);
-    if (pCSeg->hasEnd(pNew) || !pCSeg->split_combinatorialOnly(pNew)) giveUp();
+    if (pCSeg->hasEnd(pNew) || !pCSeg->divide(pNew)) giveUp();
 }
 
 } // namespace QUOR_KELM25D

@@ -58,7 +58,7 @@ Triangle2* Dt2::insertVertex(Point2* q, Triangle2* pStart) {
     Triangle2* pNew0 = takeTriangle();
     Triangle2* pNew1 = takeTriangle();
     Triangle2* pKept = inserter.insertInside(pT, q, edgeIdx, pNew0, pNew1);
-    if (pDivided != nullptr) pDivided->split_combinatorialOnly(q);
+    if (pDivided != nullptr) pDivided->divide(q);
     return pKept;
 }
 
@@ -133,7 +133,7 @@ Triangle2* Dt2::splitHullEdge(Triangle2* pT, Point2* q, int edgeIdx) {
     const int next = incIndexBy1(edgeIdx), prev = incIndexBy2(edgeIdx);
     Point2 *a = pT->aCorner[edgeIdx], *b = pT->aCorner[next], *k = pT->aCorner[prev];
     Triangle2 *pOutAB = pT->aOppTriangle[prev], *pOutKA = pT->aOppTriangle[next];
-    if (ConstraintSegment2* pCSeg = segmentTable.getSegment(pT, edgeIdx)) pCSeg->split_combinatorialOnly(q);
+    if (ConstraintSegment2* pCSeg = segmentTable.getSegment(pT, edgeIdx)) pCSeg->divide(q);
     Triangle2* pTn = createTriangle(q, k, a);
     pT->setPropertiesAndOppT(q, a, b, pOutAB, nullptr, pTn);
     pTn->setPropertiesAndOppT(q, k, a, pOutKA, pT, nullptr);

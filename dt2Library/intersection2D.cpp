@@ -58,7 +58,7 @@ bool intersectInDouble(const Point2* const (&aEnd)[4], Point2& result) {
     if (denominator == 0.0) return false;
     result = Point2((crossP * qx - px * crossQ) / denominator + center.x(),
                     (crossP * qy - py * crossQ) / denominator + center.y(), 0.0);
-    return true;
+    return std::isfinite(result.x()) && std::isfinite(result.y());
 }
 
 Point2 intersectExactly(const Point2* const (&aEnd)[4]) {

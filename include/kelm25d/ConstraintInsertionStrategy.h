@@ -10,7 +10,8 @@ namespace QUOR_KELM25D {
 /// Constrained insertion forces the segment into the mesh as one edge, or as several where it meets vertices
 /// or other constraints; the edges need not have empty circles. Conforming insertion adds vertices on the
 /// segment until every piece is an edge of the Delaunay triangulation by itself. Where two constraints cross,
-/// both are divided at a vertex with the height of the one that was there first.
+/// both are divided at a vertex with the height of the one that was there first; of those of one call either
+/// may be that.
 enum ConstraintInsertionStrategy : int {
     /// Conforming. A new vertex gets the height of the surface at its place; outside the hull the mean of the
     /// two ends of the piece it divides.

@@ -72,11 +72,11 @@ public:
     /// the new vertex than getSrc() is, unless a constraint uses them.
     /// @return false if insertAndSplit gives null
     bool splitAndRemovePrev(const Point2& point);
-    /// Divides this segment at an existing vertex and leaves the mesh alone: the caller knows that both
-    /// pieces are edges, or applies the constraints afterwards. An edge that joins the old ends stays. Null,
-    /// one of the ends, and a segment that is not alive fail a check and throw KelmException.
-    /// @return true; false, after an error line and with nothing changed, if the vertex lies on the segment's
-    /// line beyond an end, or if a piece would contain this segment
+    /// Divides this segment at a vertex of the mesh and leaves the mesh alone: the caller knows that both
+    /// pieces are edges, or calls Kelm_2D::applyConstraintsAndZones afterwards. Null, one of the ends, and a
+    /// segment that is not alive fail a check and throw KelmException.
+    /// @return true; false, after an error line and with nothing changed, if the vertex is not part of the
+    /// mesh, if it lies on the segment's line beyond an end, or if a piece would contain this segment
     bool split_combinatorialOnly(Point2* pSplit);
 
     /// A number of the caller's, the largest double at first; the library does not read it.

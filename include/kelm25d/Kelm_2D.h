@@ -167,10 +167,10 @@ public:
     ///
     /// The ends become vertices. Where a segment runs through a vertex or crosses another constraint, both
     /// are divided, at a new vertex if need be, whose coordinates are rounded; a crossing closer than 1e-6 to
-    /// an end takes that end. Degenerate segments are left out, those between the same places are one
-    /// constraint, and segments that were constraints before keep their strategy. Before is2D() the segments
-    /// wait, as conforming ones may, for applyConstraintsAndZones. Points that are inserted later divide the
-    /// constraints on which they lie, and vertices of constraints can't be removed.
+    /// an end takes that end, whatever the scale of the data. Degenerate segments are left out, those between
+    /// the same places are one constraint, and segments that were constraints before keep their strategy.
+    /// Before is2D() the segments wait, as conforming ones may, for applyConstraintsAndZones. Points that are
+    /// inserted later divide the constraints on which they lie, and vertices of constraints can't be removed.
     /// @param vSegments in any order, ends in the frame of the points; empty gives a warning
     /// @param cis the way of insertion
     /// @param bOrientedSegments whether the direction of each segment means something
@@ -259,8 +259,9 @@ public:
     /// Reads a file that save() has written, into this triangulation: all points are inserted, and the
     /// segments become one group of constraints with CIS_CONSTRAINED_DELAUNAY. What was there stays. Of a
     /// file that is shorter than its own counts the complete records are read.
-    /// @return false if the file can't be read ("FILENAME can't be read"), is of another type ("FILENAME should
-    /// have type 301 but has TYPE"), or holds an x or y that is not finite (an error line, nothing is inserted)
+    /// @return false if the file can't be read ("FILENAME can't be read"), is of another type ("FILENAME
+    /// should have type 301 but has TYPE"), or holds an x or y that is not finite (an error line, nothing is
+    /// inserted)
     bool load(const char* filename);
 
     /// The implementation, for the library's own classes.
