@@ -22,9 +22,8 @@ int nextLabel = 0; // one counter for all triangulations, never reset and not gu
 const char* const runsBackText =
     "the point lies on the segment's line beyond an end, the segment is not divided";
 
-double squaredDistance2D(const Point2& a, const Point2& b) {
-    const double dx = a.x() - b.x(), dy = a.y() - b.y();
-    return dx * dx + dy * dy;
+double distance2D(const Point2& a, const Point2& b) {
+    return std::hypot(a.x() - b.x(), a.y() - b.y()); // squares would be lost at very small scales
 }
 
 /// Whether p stands beyond an end by no more than the rounding of a computed point, as a + 1.0 * (b - a) may:
@@ -32,7 +31,7 @@ double squaredDistance2D(const Point2& a, const Point2& b) {
 bool isMeantForEnd(const Point2& end, const Point2& otherEnd, const Point2& p) {
     const double rounding = 0x1p-50 * end.getMaxAbs();
     return std::fabs(end.x() - p.x()) <= rounding && std::fabs(end.y() - p.y()) <= rounding &&
-           squaredDistance2D(otherEnd, p) >= squaredDistance2D(otherEnd, end);
+           distance2D(otherEnd, p) >= distance2D(otherEnd, end);
 }
 
 /// Whether c lies on the line through a and b, outside the segment: a constraint bent there would run back
