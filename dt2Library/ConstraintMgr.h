@@ -104,7 +104,7 @@ private:
     Dt2* pDt;
     SegmentTable& segmentTable;
     std::size_t numDivisions = 0;
-    std::vector<const ConstraintSegment2*> vLeftInMesh; // since the last apply()
+    std::vector<const ConstraintSegment2*> vLeftInMesh;               // since the last apply()
     std::vector<std::unique_ptr<ConstraintSegment2>> vSegments;       // in order of creation
     std::vector<std::unique_ptr<ConstraintGraph2>> vConstraintGraphs; // in order of creation
 };

@@ -3,7 +3,6 @@
 #include "random.h"
 #include "testing.h"
 
-
 namespace {
 
 const double eps = std::numeric_limits<double>::epsilon();

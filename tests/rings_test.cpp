@@ -4,7 +4,6 @@
 
 #include "ringTools.h"
 
-
 #include <deque>
 #include <regex>
 
