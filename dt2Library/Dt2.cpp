@@ -5,6 +5,8 @@
 
 #include "messages.h"
 
+#include <kelm25d/Zone2.h>
+
 #include <algorithm>
 #include <cmath>
 #include <thread>
@@ -32,7 +34,19 @@ Dt2::Dt2(unsigned numExpectedVertices)
     trianglePool.init(toBlockSize(2.0 * numExpected + 10.0), maxTrianglesPerBlock);
 }
 
-Dt2::~Dt2() = default;
+Dt2::~Dt2() {
+    for (const Zone2* pZone : sZones) {
+        delete pZone;
+    }
+}
+
+bool Dt2::isBroken(const char* where) const {
+    if (bImportFailed) {
+        printError(where,
+                   "an import into this triangulation has failed, it can only be read, drawn and saved");
+    }
+    return bImportFailed;
+}
 
 // --- single points ----------------------------------------------------------------------------------------
 
@@ -49,6 +63,7 @@ void Dt2::coverBox(const Bbox2& added) {
 }
 
 Point2* Dt2::insertPoint(const Point2& p, Triangle2* pNear) {
+    if (isBroken("Dt2::insert()")) return nullptr;
     if (!std::isfinite(p.x()) || !std::isfinite(p.y())) {
         printError("Dt2::insert()", "a coordinate is not finite, the point is not inserted");
         return nullptr;

@@ -22,9 +22,11 @@
 #include <kelm25d/Edge2.h>
 #include <kelm25d/Segment2.h>
 #include <kelm25d/TriangleAroundVertexIterator.h>
+#include <kelm25d/ZoneLocation.h>
 
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,6 +36,7 @@ namespace QUOR_KELM25D {
 class LeafWalk;
 class Visualizer2;
 class Visualizer3;
+class Zone2;
 
 /// Name prefix of a debug drawing: a process-wide count in five columns, so that the files of a run stay
 /// apart and in order.
@@ -51,6 +54,9 @@ public:
 
     /// pNear, if known, is a triangle near p.
     Point2* insertPoint(const Point2& p, Triangle2* pNear = nullptr);
+    /// After an import that failed, with an error line: the triangles are no triangulation, and nothing that
+    /// would walk through them or change them may be done.
+    bool isBroken(const char* where) const;
     bool is2D() const noexcept { return vertexVault.isFullDimensional(); }
     unsigned numberOfPoints() const noexcept { return static_cast<unsigned>(vertexVault.numberOfPoints()); }
     unsigned numberOfTriangles() const;
@@ -141,13 +147,53 @@ public:
     bool checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg);
     void statistics(const std::string& s) const;
 
+    // --- Dt2_zones.cpp ------------------------------------------------------------------------------------
+
+    /// The forms of Kelm_2D. All zones belong to this triangulation.
+    Zone2* createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc);
+    Zone2* createZone(const std::vector<ConstraintGraph2*>& vConstraintGraphs, ZoneLocation zoneLoc,
+                      const Point2& startPoint);
+    Zone2* createZone(const std::vector<Triangle2*>& vTriangles);
+    Zone2* createZone_cookieCutter(const std::vector<Segment2>& vSegments, bool bWithConstraints);
+    /// ZL_INSIDE or ZL_OUTSIDE of several graphs.
+    Zone2* createZone(const std::vector<ConstraintGraph2*>& vConstraintGraphs, ZoneLocation zoneLoc);
+    /// ZL_BOUNDED, of the edges of a border, counterclockwise around the zone.
+    Zone2* createZone(const std::vector<Edge2>& vEdges, ZoneLocation zoneLoc);
+    void deleteZone(Zone2* pZone);
+    /// Appends the triangles that are reached from the one at a point without crossing edges of the graphs,
+    /// by address.
+    void growZoneArea(const std::vector<ConstraintGraph2*>& vConstraintGraphs, const Point2& point,
+                      std::vector<Triangle2*>& vTriangles);
+    /// Any triangle; null before is2D().
+    Triangle2* getOneTriangle() const noexcept { return vertexVault.getOneValidTriangle(); }
+    const SegmentTable& getSegmentTable() const noexcept { return segmentTable; }
+
+    // --- Dt2_import.cpp -----------------------------------------------------------------------------------
+
+    /// Makes given triangles, three points each, the mesh, and fills everything around them.
+    Zone2* CAT_importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNeeded,
+                               bool bCreateExtendedBoundingBox);
+
+    // --- Dt2_cutting.cpp ----------------------------------------------------------------------------------
+
+    /// Cuts the triangles along segments; the pieces of each are appended to vCSegsOut.
+    void CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints,
+                           std::vector<ConstraintSegment2*>& vCSegsOut);
+    /// Makes pA to pB a chain of constraint segments through vertices, which the result has in order.
+    void CUTT_insertConstraintSegments(Point2* pA, Point2* pB, std::vector<Point2*>& vSplitPoints,
+                                       std::vector<Point2*>& vSortedPoints);
+
+    /// To be told when edges were flipped with no regard to circles: several threads rely on those.
+    void setNotDelaunay() noexcept { bMayBeDelaunay = false; }
+
     // --- Dt2_output.cpp, Dt2_drawing.cpp, Dt2_geomview.cpp, Dt2_files.cpp: files ---------------------------
 
-    void writeObj(const std::string& filename) const;
+    /// With a zone its triangles only, here and in writeWebScene.
+    void writeObj(const std::string& filename, const Zone2* pZone) const;
     void show(Visualizer2* pVisualizer, bool bWithConstraints) const;
     void showGeomview(const std::string& filename, const std::string& color) const;
     void showGeomview(Visualizer3* pVisualizer) const;
-    void writeWebScene(const char* path) const;
+    void writeWebScene(const char* path, const Zone2* pZone) const;
     bool save(const char* filename) const;
     bool load(const char* filename);
 
@@ -155,6 +201,8 @@ private:
     friend class Chunk;
     friend class FreshTriangles;
     friend class InserterMT;
+    class Cut;
+    class ImportMode;
     class Trace;
 
     // --- Dt2.cpp ------------------------------------------------------------------------------------------
@@ -235,12 +283,41 @@ private:
     void dissolveFan(Point2* pVtx);
     void repairDelaunay(std::vector<Triangle2*>& vPass);
 
+    // --- Dt2_zones.cpp ------------------------------------------------------------------------------------
+
+    Zone2* keep(Zone2* pZone);
+    bool findStartPoint(const std::vector<Triangle2*>& vComponent, Point2& startPoint);
+    ConstraintGraph2* freezeHull();
+    void keepInsideHull(ConstraintGraph2* pHullGraph, std::vector<Triangle2*>& vTriangles);
+
+    // --- Dt2_import.cpp -----------------------------------------------------------------------------------
+
+    struct TriangleImport;
+    bool CAT_checkInput(const std::vector<Point2>& vPoints, bool bReorientIfNeeded,
+                        TriangleImport& import) const;
+    void CAT_createVertices(TriangleImport& import);
+    bool CAT_reorient(std::vector<Point2>& vPoints, TriangleImport& import);
+    void CAT_createInnerTriangles(TriangleImport& import);
+    static void CAT_connect(const TriangleImport& import, std::uint32_t id0, std::uint32_t id1);
+    bool CAT_createBorders(const TriangleImport& import, std::vector<ConstraintGraph2*>& vGraphs,
+                           std::vector<Segment2>& vBorderSegments);
+    std::vector<Point2*> CAT_addBoxCorners(Dt2& temporary, TriangleImport& import);
+    bool CAT_createOuterTrianglesAndConnect(const Dt2& temporary, TriangleImport& import);
+    void CAT_createOuterTriangle(TriangleImport& import, const std::uint32_t* aNumber);
+    bool CAT_isCounterclockwise(const std::vector<Point2>& vPoints);
+    bool CAT_checkClosed(const TriangleImport& import, bool bAllCCW) const;
+    static void CAT_reportAdditionalVertex(const std::vector<Triangle2*>& vTriangles, const Point2& vertex,
+                                           const Bbox2& frame);
+    static void CAT_reportOpenEdges(const std::vector<Triangle2*>& vTriangles,
+                                    const std::vector<Segment2>& vSuspects);
+
     // --- Dt2_validity.cpp ---------------------------------------------------------------------------------
 
     bool checkConstraints(const std::string& msg) const;
 
     // --- Dt2_queries.cpp ----------------------------------------------------------------------------------
 
+    void getHullEdges(std::vector<Edge2>& vEdges);
     double heightInTriangle(const Triangle2& t, double x, double y);
     bool getHeightNearHull(const Point2& query, double& height, double tolerance);
 
@@ -264,6 +341,10 @@ private:
     ProgressPublisher progress;
     ConstraintMgr constraintMgr{this, segmentTable};
     InnerVtxMgr innerVtxMgr;
+    std::set<Zone2*> sZones;    // owned
+    bool bImportMode = false;   // vertices enter without flips, while triangles are being cut
+    bool bImportFailed = false; // the triangles are no triangulation: nothing may walk through them
+    bool bMayBeDelaunay = true; // no edge was ever flipped with no regard to circles
 
     // Scratch of the inner loop, empty between calls.
     std::vector<Triangle2*> vPass, vNextPass;

@@ -49,8 +49,9 @@ void Dt2::insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHan
     if (pvHandles != nullptr) pvHandles->clear();
     if (v.empty()) return;
     KELM_CHECK(vertexVault.dupIsClean());
-    if (!extendBox(v)) {
-        reportNotFinite();
+    const bool bRefused = isBroken("Dt2::insert()");
+    if (bRefused || !extendBox(v)) {
+        if (!bRefused) reportNotFinite();
         if (pvHandles != nullptr) pvHandles->assign(v.size(), nullptr);
         return;
     }
@@ -82,9 +83,9 @@ bool Dt2::extendBox(const std::vector<Point2>& v) {
 
 /// Whether a bulk insertion of n points goes into the frame of far corners. Short ones do without, since they
 /// run on one thread; but vertices that wait have to go on waiting through a bulk insertion with several
-/// threads. Workers know nothing of constraints: with those there is one thread.
+/// threads. Workers know nothing of constraints and rely on empty circles: without those there is one thread.
 bool Dt2::needsFrame(std::size_t n) const noexcept {
-    if (numCPU == 1 || constraintMgr.hasConstraints()) return false;
+    if (numCPU == 1 || constraintMgr.hasConstraints() || !bMayBeDelaunay) return false;
     return n >= minParallelInsertion || (!is2D() && vertexVault.size() != 0);
 }
 
@@ -100,7 +101,9 @@ void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandl
     for (std::size_t i = 0; i < n; ++i) {
         zero += aCoordinates[3 * i] * 0.0 + aCoordinates[3 * i + 1] * 0.0;
     }
-    if (!(zero == 0.0)) {
+    if (isBroken("Dt2::insert()")) {
+        // no handles
+    } else if (!(zero == 0.0)) {
         reportNotFinite();
     } else if (numCPU >= 2 && numPoints >= 1000) {
         std::vector<Point2> v;

@@ -46,6 +46,7 @@ ConstraintGraph2* Dt2::createConstraint(const std::vector<Segment2>& vSegments,
         printWarning("Dt2::createConstraint(..)", "vSegments is empty, returning NULL");
         return nullptr;
     }
+    if (isBroken("Dt2::createConstraint(..)")) return nullptr;
     return bOrientedSegments ? constraintMgr.createOrientedConstraint(vSegments, cis)
                              : constraintMgr.createConstraint(vSegments, cis);
 }
@@ -56,7 +57,7 @@ void Dt2::applyConstraintsAndZones() {
                      "The triangulation is not full dimensional yet. Nothing to do");
         return;
     }
-    constraintMgr.apply();
+    if (!isBroken("Dt2::applyConstraintsAndZones()")) constraintMgr.apply();
 }
 
 bool Dt2::isConstraint(const Point2* p0, const Point2* p1) const {

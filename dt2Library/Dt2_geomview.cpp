@@ -37,7 +37,7 @@ void Dt2::showGeomview(Visualizer3* pVisualizer) const {
     if (canBeShown()) writeAllTriangles(*this, *pVisualizer, terrainColor);
 }
 
-void Dt2::writeWebScene(const char* path) const {
+void Dt2::writeWebScene(const char* path, const Zone2* pZone) const {
     if (path == nullptr) {
         printWarning("Dt2::writeWebScene()", "no path given");
         return;
@@ -49,7 +49,7 @@ void Dt2::writeWebScene(const char* path) const {
     std::cout << "writeWebScene: Creating " << path << std::endl;
     for (const char* name : {"index.html", "jsc3d.js", "jsc3d.ctm.js", "jsc3d.touch.js"})
         fileReplicate(name, path);
-    writeObj(std::string(path) + "/3d.obj");
+    writeObj(std::string(path) + "/3d.obj", pZone);
 }
 
 } // namespace QUOR_KELM25D

@@ -57,7 +57,7 @@ Triangle2* Dt2::insertVertex(Point2* q, Triangle2* pStart) {
     ConstraintSegment2* pDivided = edgeIdx >= 0 ? segmentTable.getSegment(pT, edgeIdx) : nullptr;
     Triangle2* pNew0 = takeTriangle();
     Triangle2* pNew1 = takeTriangle();
-    Triangle2* pKept = inserter.insertInside(pT, q, edgeIdx, pNew0, pNew1);
+    Triangle2* pKept = inserter.insertInside(pT, q, edgeIdx, pNew0, pNew1, !bImportMode);
     if (pDivided != nullptr) pDivided->divide(q);
     return pKept;
 }
@@ -71,6 +71,7 @@ void Dt2::legalizePasses(const Point2* q) {
             Triangle2* pN = pT->aOppTriangle[0];
             if (pN == nullptr || !inserter.isInsideCircle(pN, q)) continue;
             if (segmentTable.isConstraintEdge(pT, 0)) continue;
+            if (bImportMode && quorTest.getEdgeOrientation(pT, 0, q) != ORIENTATION2_COLLINEAR) continue;
             flip(pT, 0);
             vNextPass.push_back(pT);
             vNextPass.push_back(pN);

@@ -5,6 +5,8 @@
 
 #include "messages.h"
 
+#include <kelm25d/Zone2.h>
+
 #include <charconv>
 #include <cmath>
 #include <fstream>
@@ -32,10 +34,14 @@ bool Dt2::canBeShown() const {
     return false;
 }
 
-void Dt2::writeObj(const std::string& filename) const {
+void Dt2::writeObj(const std::string& filename, const Zone2* pZone) const {
     if (!canBeShown()) return;
     std::vector<Triangle2*> vTriangles;
-    getTrianglePointers(vTriangles);
+    if (pZone != nullptr) {
+        pZone->getTriangles(vTriangles);
+    } else {
+        getTrianglePointers(vTriangles);
+    }
     std::ofstream file(filename);
     std::string text;
     const auto flush = [&](std::size_t limit) {
@@ -45,7 +51,7 @@ void Dt2::writeObj(const std::string& filename) const {
     };
 
     std::unordered_map<const Point2*, std::size_t> mNumber;
-    mNumber.reserve(vertexVault.numberOfPoints());
+    mNumber.reserve(vTriangles.size() / 2 + 2); // as many as there are vertices in most meshes
     std::size_t numNotFinite = 0;
     for (const Triangle2* pT : vTriangles) {
         for (const Point2* pCorner : pT->aCorner) {

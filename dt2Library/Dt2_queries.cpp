@@ -43,7 +43,8 @@ bool isSteep(const Triangle2& t) noexcept {
 // --- location ---------------------------------------------------------------------------------------------
 
 Triangle2* Dt2::locate(const Point2& p) {
-    if (!is2D() || !std::isfinite(p.x()) || !std::isfinite(p.y())) return nullptr;
+    if (!is2D() || !std::isfinite(p.x()) || !std::isfinite(p.y()) || isBroken("Dt2::locate()"))
+        return nullptr;
     if (p.getMaxAbs() > quorTest.getRange()) quorTest.setRange(p.getMaxAbs());
     Triangle2* pT = inserter.approach(p, findStart(p));
     int edgeIdx = -1;
@@ -91,12 +92,10 @@ void Dt2::getIncidentVertices(Point2* pVtx, std::vector<Point2*>& vVertices) con
 
 // --- the hull ---------------------------------------------------------------------------------------------
 
-void Dt2::getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull) {
-    if (!is2D()) {
-        printWarning("Dt2::getConvexHull()",
-                     "is2D() is false, the triangulation is not full dimensional yet");
-        return;
-    }
+/// Appends the edges of the hull, counterclockwise from the lowest of the leftmost vertices; none before
+/// is2D().
+void Dt2::getHullEdges(std::vector<Edge2>& vEdges) {
+    if (!is2D() || isBroken("Dt2::getConvexHull()")) return;
     // The corner of the box of all points lies on the hull or outside: the walk to it ends at a hull edge or
     // at a hull vertex.
     const Point2 boxCorner(extent.get_minX(), extent.get_minY(), 0.0);
@@ -111,24 +110,37 @@ void Dt2::getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull) {
     }
     KELM_CHECK(hullIdx>-1 && hullIdx<3);
 
-    std::vector<Point2*> vConvexHullPoints;
-    Point2* pStartVtx = pT->getCorner(incIndexBy2(hullIdx));
-    Point2* pVtx = pStartVtx;
+    std::vector<Edge2> vHull;
+    const Point2* pStartVtx = pT->getCorner(incIndexBy2(hullIdx));
+    const Point2* pVtx = pStartVtx;
     do {
-        vConvexHullPoints.push_back(pVtx);
         // Through the fan of the vertex to the hull edge that leaves it.
         int axisIdx = pT->getIntraTriangleIndex(pVtx);
         while (Triangle2* pN = pT->getOppositeTriangle(incIndexBy2(axisIdx))) {
             pT = pN;
             axisIdx = pT->getIntraTriangleIndex(pVtx);
         }
-        pVtx = pT->getCorner(incIndexBy1(axisIdx));
+        vHull.emplace_back(pT, incIndexBy2(axisIdx));
+        pVtx = vHull.back().getTrg();
     } while (pVtx != pStartVtx);
+    const auto first = std::min_element(
+        vHull.begin(), vHull.end(), [](const Edge2& a, const Edge2& b) { return *a.getSrc() < *b.getSrc(); });
+    vEdges.insert(vEdges.end(), first, vHull.end());
+    vEdges.insert(vEdges.end(), vHull.begin(), first);
+}
 
-    const auto less = [](const Point2* a, const Point2* b) { return *a < *b; };
-    std::rotate(vConvexHullPoints.begin(),
-                std::min_element(vConvexHullPoints.begin(), vConvexHullPoints.end(), less),
-                vConvexHullPoints.end());
+void Dt2::getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull) {
+    if (!is2D()) {
+        printWarning("Dt2::getConvexHull()",
+                     "is2D() is false, the triangulation is not full dimensional yet");
+        return;
+    }
+    std::vector<Edge2> vEdges;
+    getHullEdges(vEdges);
+    std::vector<Point2*> vConvexHullPoints;
+    for (const Edge2& edge : vEdges) {
+        vConvexHullPoints.push_back(edge.getSrc());
+    }
     if (bAllVertices) {
         vHull.insert(vHull.end(), vConvexHullPoints.begin(), vConvexHullPoints.end());
         return;
@@ -156,7 +168,8 @@ bool Dt2::getHeight(double x, double y, double& height, Triangle2* pApproxT, dou
     if (pT == nullptr) {
         const Point2 query(x, y, 0.0);
         pT = locate(query);
-        if (pT == nullptr) return tolerance > 0.0 && getHeightNearHull(query, height, tolerance);
+        if (pT == nullptr)
+            return tolerance > 0.0 && !bImportFailed && getHeightNearHull(query, height, tolerance);
     }
     height = heightInTriangle(*pT, x, y);
     return true;

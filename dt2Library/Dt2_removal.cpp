@@ -29,6 +29,7 @@ void Dt2::remove(Point2* pVtx) {
         printWarning("Dt2::remove(..)", "pVtx==NULL, illegal, return.");
         return;
     }
+    if (isBroken("Dt2::remove()")) return;
     if (constraintMgr.isConstraintVertex(pVtx)) {
         printWarning("Dt2::remove()", "Illegal: Can't remove a constraint vertex");
         std::cerr << *pVtx << std::endl;

@@ -141,19 +141,9 @@ bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) 
 
 void Dt2::statistics(const std::string& s) const {
     std::cout << "\n\n\n********* MESH STATISTICS (" << s << ") **********\n\n";
-    Histogram histogram("INTERIOR ANGLES");
-    for (int bound = 10; bound <= 180; bound += 10) {
-        histogram.addBin(bound);
-    }
     std::vector<Triangle2*> vTriangles;
     getTrianglePointers(vTriangles);
-    std::cout << "Number of triangles: " << vTriangles.size() << std::endl;
-    for (const Triangle2* pT : vTriangles) {
-        for (int i = 0; i < 3; ++i) {
-            histogram.add(pT->getInteriorAngle25D(i));
-        }
-    }
-    histogram.print();
+    printAngles(vTriangles);
 }
 
 } // namespace QUOR_KELM25D

@@ -1,7 +1,9 @@
 // Filling and printing of a histogram.
-// The bins are made by its users.
+// The bins are made by its users, those for angles here.
 
 #include "Histogram.h"
+
+#include <kelm25d/Triangle2.h>
 
 #include <algorithm>
 #include <iomanip>
@@ -40,6 +42,20 @@ void Histogram::print() const {
         lower = upper;
     }
     std::cout << text.str() << std::flush;
+}
+
+void printAngles(const std::vector<Triangle2*>& vTriangles) {
+    Histogram histogram("INTERIOR ANGLES");
+    for (int bound = 10; bound <= 180; bound += 10) {
+        histogram.addBin(bound);
+    }
+    std::cout << "Number of triangles: " << vTriangles.size() << std::endl;
+    for (const Triangle2* pT : vTriangles) {
+        for (int i = 0; i < 3; ++i) {
+            histogram.add(pT->getInteriorAngle25D(i));
+        }
+    }
+    histogram.print();
 }
 
 } // namespace QUOR_KELM25D

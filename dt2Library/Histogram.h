@@ -1,12 +1,15 @@
 // Counts of values in bins, for the statistics that are printed.
-// Nothing is drawn here.
+// Nothing is drawn here; the headings of statistics stand where they are asked for.
 #pragma once
 
 #include <limits>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace QUOR_KELM25D {
+
+class Triangle2;
 
 class Histogram {
 public:
@@ -25,5 +28,8 @@ private:
     unsigned count = 0;
     std::map<double, unsigned> bins{{std::numeric_limits<double>::max(), 0}}; // by upper bound
 };
+
+/// Prints the number of triangles and a histogram of their interior angles in space.
+void printAngles(const std::vector<Triangle2*>& vTriangles);
 
 } // namespace QUOR_KELM25D

@@ -172,6 +172,57 @@ void Kelm_2D::getAliveAndDeadConstraintSegments(std::vector<ConstraintSegment2*>
     pImpl->getAliveAndDeadConstraintSegments(vSegments);
 }
 
+namespace {
+
+Zone2* reportNull(Zone2* pZone, bool bVerbose) {
+    if (pZone == nullptr && bVerbose) {
+        printWarning("Kelm_2D::createZone(..)", "No zone created, returning NULL (bVerbose==true)");
+    }
+    return pZone;
+}
+
+} // namespace
+
+Zone2* Kelm_2D::createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc, bool bVerbose) {
+    return reportNull(pImpl->createZone(pConstraintGraph, zoneLoc), bVerbose);
+}
+
+Zone2* Kelm_2D::createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc, const Point2& startPoint,
+                           bool bVerbose) {
+    return createZone(std::vector<ConstraintGraph2*>{pConstraintGraph}, zoneLoc, startPoint, bVerbose);
+}
+
+Zone2* Kelm_2D::createZone(const std::vector<ConstraintGraph2*>& vConstraintGraphs, ZoneLocation zoneLoc,
+                           const Point2& startPoint, bool bVerbose) {
+    return reportNull(pImpl->createZone(vConstraintGraphs, zoneLoc, startPoint), bVerbose);
+}
+
+Zone2* Kelm_2D::createZone(const std::vector<Triangle2*>& vTriangles, bool bVerbose) {
+    return reportNull(pImpl->createZone(vTriangles), bVerbose);
+}
+
+Zone2* Kelm_2D::createZone_cookieCutter(const std::vector<Segment2>& vSegments, bool bWithConstraints) {
+    return pImpl->createZone_cookieCutter(vSegments, bWithConstraints);
+}
+
+void Kelm_2D::deleteZone(Zone2* pZone) {
+    pImpl->deleteZone(pZone);
+}
+
+Zone2* Kelm_2D::importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNeeded,
+                                bool bCreateExtendedBoundingBox) {
+    return pImpl->CAT_importTriangles(vPoints, bReorientIfNeeded, bCreateExtendedBoundingBox);
+}
+
+void Kelm_2D::cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints) {
+    std::vector<ConstraintSegment2*> vPieces;
+    pImpl->CUTT_cutTriangles(vSegments, bWithConstraints, vPieces);
+}
+
+void Kelm_2D::cutTriangles(const Point2& knifeStart, const Point2& knifeEnd, bool bWithConstraints) {
+    cutTriangles({Segment2(knifeStart, knifeEnd)}, bWithConstraints);
+}
+
 Orientation2 Kelm_2D::getOrientation(const Point2& p0, const Point2& p1, const Point2& p2) const {
     return getOrientation2_mt(&p0, &p1, &p2);
 }
@@ -188,8 +239,8 @@ void Kelm_2D::unsubscribe(MsgType msgType, MsgBase* pReceiver) {
     pImpl->unsubscribe(msgType, pReceiver);
 }
 
-void Kelm_2D::writeObj(const std::string& filename) const {
-    pImpl->writeObj(filename);
+void Kelm_2D::writeObj(const std::string& filename, const Zone2* pZone) const {
+    pImpl->writeObj(filename, pZone);
 }
 
 void Kelm_2D::show(const std::string& postscriptFilename, bool bWithConstraints) const {
@@ -210,8 +261,8 @@ void Kelm_2D::showGeomview(Visualizer3* pVisualizer) const {
     pImpl->showGeomview(pVisualizer);
 }
 
-void Kelm_2D::writeWebScene(const char* path) const {
-    pImpl->writeWebScene(path);
+void Kelm_2D::writeWebScene(const char* path, const Zone2* pZone) const {
+    pImpl->writeWebScene(path, pZone);
 }
 
 bool Kelm_2D::save(const char* filename) const {

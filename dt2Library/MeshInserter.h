@@ -46,11 +46,16 @@ public:
     Triangle2* approach(const Point2& q, Triangle2* pT) const noexcept;
 
     /// Splits at q, which a walk has found INSIDE pT and edgeIdx, with two fresh triangles, and restores the
-    /// empty circles. The result is a triangle near q.
-    Triangle2* insertInside(Triangle2* pT, Point2* q, int edgeIdx, Triangle2* pNew0, Triangle2* pNew1) {
+    /// empty circles, unless the mesh is to stay as it is otherwise. The result is a triangle near q.
+    Triangle2* insertInside(Triangle2* pT, Point2* q, int edgeIdx, Triangle2* pNew0, Triangle2* pNew1,
+                            bool bLegalize = true) {
         Triangle2* pKept =
             edgeIdx < 0 ? splitTriangle(pT, q, pNew0, pNew1) : splitEdge(pT, q, edgeIdx, pNew0, pNew1);
-        legalize(q);
+        if (bLegalize) {
+            legalize(q);
+        } else {
+            vFlipStack.clear();
+        }
         return pKept;
     }
     /// Splits pT at q, which lies inside, into three: pT and two fresh triangles. The result has q.

@@ -12,4 +12,12 @@ inline void prefetch(const void* p) noexcept {
 #endif
 }
 
+/// The same for a record that may stand across two cache lines.
+template <class Record>
+inline void prefetchRecord(const Record* p) noexcept {
+    static_assert(sizeof(Record) <= 64, "touches two cache lines at most");
+    prefetch(p);
+    prefetch(reinterpret_cast<const char*>(p + 1) - 1);
+}
+
 } // namespace QUOR_KELM25D

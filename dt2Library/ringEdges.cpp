@@ -11,6 +11,7 @@
 #include <kelm25d/Orientation2.h>
 #include <kelm25d/TriangleAroundVertexIterator.h>
 
+#include "AddressSet.h"
 #include "messages.h"
 #include "ringTools.h"
 
@@ -23,11 +24,6 @@ namespace QUOR_KELM25D {
 namespace {
 
 constexpr std::less<const Point2*> isLower;
-
-void sortAndReduce(std::vector<Triangle2*>& vT) {
-    std::sort(vT.begin(), vT.end(), std::less<Triangle2*>());
-    vT.erase(std::unique(vT.begin(), vT.end()), vT.end());
-}
 
 /// The edges that are in no chain yet.
 class LooseEdges {
@@ -234,15 +230,21 @@ void edgesToPolygons(const std::vector<Edge2>& vEdges, std::vector<std::vector<E
     vRemainingOut.insert(vRemainingOut.end(), vOpen.begin(), vOpen.end());
 }
 
-void getBorders(const std::vector<Triangle2*>& vT, std::vector<Segment2>& vBorderSegmentsOut) {
-    std::vector<Triangle2*> vSet(vT);
-    sortAndReduce(vSet);
-    for (const Triangle2* pT : vT) {
+void appendBorderEdges(const std::vector<Triangle2*>& vT, std::vector<Edge2>& vEdgesOut) {
+    const TriangleSet sT(vT);
+    for (Triangle2* pT : vT) {
         for (int i = 0; i < 3; ++i) {
-            Triangle2* pOpp = pT->getOppositeTriangle(i);
-            if (pOpp && std::binary_search(vSet.begin(), vSet.end(), pOpp, std::less<Triangle2*>())) continue;
-            vBorderSegmentsOut.emplace_back(*pT->getCorner(incIndexBy1(i)), *pT->getCorner(incIndexBy2(i)));
+            const Triangle2* pOpp = pT->getOppositeTriangle(i);
+            if (!pOpp || !sT.contains(pOpp)) vEdgesOut.emplace_back(pT, i);
         }
+    }
+}
+
+void getBorders(const std::vector<Triangle2*>& vT, std::vector<Segment2>& vBorderSegmentsOut) {
+    std::vector<Edge2> vEdges;
+    appendBorderEdges(vT, vEdges);
+    for (const Edge2& edge : vEdges) {
+        vBorderSegmentsOut.emplace_back(*edge.getSrc(), *edge.getTrg());
     }
 }
 
@@ -280,14 +282,13 @@ void getConnectedComponents(const std::vector<Triangle2*>& vT,
 void getConnectedComponents(const std::vector<Triangle2*>& vT,
                             std::vector<std::vector<Triangle2*>>& vvComponentsOut,
                             const std::set<VertexPair2>& sBlockedEdges) {
-    std::vector<Triangle2*> vRest(vT), vStack;
-    sortAndReduce(vRest);
-    std::vector<bool> vTaken(vRest.size(), false);
-    for (std::size_t first = 0; first < vRest.size(); ++first) {
-        if (vTaken[first]) continue;
-        vTaken[first] = true;
+    TriangleSet sRest(vT);
+    std::vector<Triangle2*> vSeeds, vStack;
+    sRest.appendTo(vSeeds);
+    for (Triangle2* pSeed : vSeeds) {
+        if (!sRest.erase(pSeed)) continue;
         std::vector<Triangle2*> vComponent;
-        vStack.push_back(vRest[first]);
+        vStack.push_back(pSeed);
         while (!vStack.empty()) {
             Triangle2* pT = vStack.back();
             vStack.pop_back();
@@ -297,17 +298,12 @@ void getConnectedComponents(const std::vector<Triangle2*>& vT,
                 if (!pOpp) continue;
                 const VertexPair2 ends(pT->getCorner(incIndexBy1(i)), pT->getCorner(incIndexBy2(i)));
                 if (!sBlockedEdges.empty() && sBlockedEdges.count(ends) != 0) continue;
-                const auto it = std::lower_bound(vRest.begin(), vRest.end(), pOpp, std::less<Triangle2*>());
-                if (it == vRest.end() || *it != pOpp) continue;
-                const auto position = static_cast<std::size_t>(it - vRest.begin());
-                if (vTaken[position]) continue;
-                vTaken[position] = true;
-                vStack.push_back(pOpp);
+                if (sRest.erase(pOpp)) vStack.push_back(pOpp);
             }
         }
         vvComponentsOut.push_back(std::move(vComponent));
     }
-    if (vRest.size() != vT.size()) printWarning("getConnectedComponents", " wrong number of triangles");
+    if (vSeeds.size() != vT.size()) printWarning("getConnectedComponents", " wrong number of triangles");
 }
 
 } // namespace QUOR_KELM25D

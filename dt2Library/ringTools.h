@@ -16,6 +16,10 @@ namespace QUOR_KELM25D {
 /// or comes back to another vertex than its first.
 bool sortRingEdges(std::vector<Edge2>& vEdges);
 
+/// Appends the border of a set of triangles: of each in turn the edges 0, 1 and 2 behind which there is no
+/// triangle of the set. Linear.
+void appendBorderEdges(const std::vector<Triangle2*>& vT, std::vector<Edge2>& vEdgesOut);
+
 /// Appends the sets into which triangles fall that are connected over edges; a common vertex alone does not
 /// connect. The set of the triangle with the lowest address is the first, and so on. A triangle that is given
 /// twice is taken once, with a warning.

@@ -88,6 +88,7 @@ private:
     friend class ConstraintGraph2;
     friend class ConstraintMgr;
     friend class Dt2;
+    friend class FloodBarrier;
     friend class LeafWalk;
     friend class SegmentTable;
     friend KELM25D_API std::ostream& operator<<(std::ostream& stream, const ConstraintSegment2& segment);

@@ -10,6 +10,7 @@
 #include <kelm25d/Point2.h>
 #include <kelm25d/Segment2.h>
 #include <kelm25d/Triangle2.h>
+#include <kelm25d/ZoneLocation.h>
 #include <kelm25d/export.h>
 
 #include <string>
@@ -22,6 +23,7 @@ class ConstraintSegment2;
 class Dt2;
 class Visualizer2;
 class Visualizer3;
+class Zone2;
 
 /// A Delaunay triangulation of points in the xy plane that carries a height on each vertex.
 ///
@@ -203,6 +205,74 @@ public:
     /// Appends all constraint segments that ever were, by the addresses of their ends.
     void getAliveAndDeadConstraintSegments(std::vector<ConstraintSegment2*>& vSegments) const;
 
+    /// Makes a zone of everything (ZL_GLOBAL, whatever the graph, which may be null) or of one side of a
+    /// graph's directed edges, ZL_INSIDE the left and ZL_OUTSIDE the right one. From there it reaches up to
+    /// the edges of this graph and over other constraints. A polygon runs counterclockwise unless its
+    /// segments were given directions.
+    ///
+    /// Zones belong to the triangulation, see Zone2. With bVerbose a null result is reported as well.
+    /// @return null, after a message, before is2D() (where the next two work), for a null graph, and for one
+    /// without directions. ZL_GROW throws KelmException
+    Zone2* createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc, bool bVerbose = true);
+    /// Makes a zone of the triangles around a start point, up to the edges of a graph: zoneLoc must be
+    /// ZL_GROW, else there is an error line and the result is null. The point is looked up at each question;
+    /// outside the hull there are no triangles.
+    Zone2* createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc, const Point2& startPoint,
+                      bool bVerbose = true);
+    /// The same up to the edges of several graphs, or of none.
+    Zone2* createZone(const std::vector<ConstraintGraph2*>& vConstraintGraphs, ZoneLocation zoneLoc,
+                      const Point2& startPoint, bool bVerbose = true);
+    /// Makes a zone of given triangles: their border becomes constraints, and in each connected part a start
+    /// point is chosen. A part without a triangle that has its own centre inside, as computed, is left out
+    /// after messages. A triangle given twice counts once, after a warning. None at all give a warning and a
+    /// zone without triangles.
+    /// @return null, after an error line, if a pointer is null or a triangle is not in use any more
+    Zone2* createZone(const std::vector<Triangle2*>& vTriangles, bool bVerbose = true);
+    /// Cuts a simple polygon, segments in any order and direction, out of the triangles, as cutTriangles
+    /// does, and makes a bounded zone of what lies within it and within the hull as it was before the call.
+    /// Ends outside the hull become vertices all the same.
+    /// @return null if the segments are no simple polygon or form several rings, and if nothing is left
+    Zone2* createZone_cookieCutter(const std::vector<Segment2>& vSegments, bool bWithConstraints);
+    /// Deletes a zone. Its graphs stay. Null, and a pointer that is no zone of this triangulation (any more),
+    /// give a warning.
+    void deleteZone(Zone2* pZone);
+
+    /// Makes given triangles the mesh of an empty triangulation, whether Delaunay or not, and fills holes and
+    /// surroundings with further ones up to a convex whole. Their borders become constraints.
+    ///
+    /// Corners with the same x and y are one vertex, with the height of the first of them. Triangles are
+    /// neighbours where they have an edge in opposite directions. Later insertions flip edges next to new
+    /// vertices only.
+    /// @param vPoints three corners for each triangle, counterclockwise, in the frame of the points
+    /// @param bReorientIfNeeded turn clockwise triples round, in vPoints itself. Without it nothing is looked
+    /// at: triples that are clockwise or collinear become such triangles, or make the import fail, and what
+    /// walks through such a mesh later may throw KelmException
+    /// @param bCreateExtendedBoundingBox keep the corners of a box of twice the extent, heights 0, as
+    /// vertices; otherwise the hull of the given points is the border
+    /// @return a zone of the given triangles. Null, after messages, if the triangulation is not empty, for a
+    /// number of points that is no positive multiple of 3, a coordinate x or y that is not finite, a triple
+    /// with two equal corners or, with bReorientIfNeeded, collinear ones: nothing is changed then but
+    /// vPoints. Null, too, after messages and a drawing in the current directory, if the triangles overlap;
+    /// what was made by then stays, and can only be read, drawn and saved
+    ///
+    /// Close to linear in the number of triangles.
+    Zone2* importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNeeded,
+                           bool bCreateExtendedBoundingBox);
+
+    /// Cuts the triangles along segments, which become constraints: every edge of a triangle that a segment
+    /// crosses gets a vertex there, with the height of the edge.
+    ///
+    /// With bWithConstraints all edges around become constraints, too, so that the surface and the mesh away
+    /// from the segments stay as they are; without it new vertices change the triangles around them as
+    /// insert does. Ends take the height of the surface; beyond the hull they keep theirs and extend it. A
+    /// crossing closer than 1e-5 to a corner of its triangle takes that corner, whatever the scale of the
+    /// data. Segments without length are left out.
+    /// A warning, and nothing else, before is2D() and if no segment is left; an error line if a coordinate is
+    /// not finite. Expected cost: linear in the crossings, and a search for each segment.
+    void cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints);
+    /// The same along one segment.
+    void cutTriangles(const Point2& knifeStart, const Point2& knifeEnd, bool bWithConstraints);
+
     /// Orientation of three points in the xy plane, exact and safe on several threads; see
     /// getOrientation2_mt.
     Orientation2 getOrientation(const Point2& p0, const Point2& p1, const Point2& p2) const;
@@ -218,11 +288,11 @@ public:
     /// Ends a subscription; nothing happens if there is none.
     void unsubscribe(MsgType msgType, MsgBase* pReceiver);
 
-    /// Writes all triangles as a Wavefront OBJ mesh, replacing the file: each vertex once, numbers from 1,
-    /// corners counterclockwise as seen from above. Coordinates read back as the same doubles; for a height
-    /// that is not finite 0 is written, and a warning tells how many there were. Before is2D() an error line
-    /// is printed and no file is written; a file that can't be opened is not reported.
-    void writeObj(const std::string& filename) const;
+    /// Writes all triangles, or those of a zone, as a Wavefront OBJ mesh, replacing the file: each vertex
+    /// once, numbers from 1, corners counterclockwise as seen from above. Coordinates read back as the same
+    /// doubles; for a height that is not finite 0 is written, and a warning tells how many there were. Before
+    /// is2D() an error line is printed and no file is written; a file that can't be opened is not reported.
+    void writeObj(const std::string& filename, const Zone2* pZone = nullptr) const;
 
     /// Draws all edges to an A4 PostScript file, replacing it. With bWithConstraints constraint edges are
     /// thick and red, else thinner than the others. Before is2D() an error line is printed and the page stays
@@ -243,13 +313,13 @@ public:
     /// error line is printed, for a null pointer a warning, and nothing is added.
     void showGeomview(Visualizer3* pVisualizer) const;
 
-    /// Writes a directory that shows the triangles in a browser: index.html, the scripts of the viewer, and
-    /// the mesh 3d.obj as by writeObj. Missing directories are made, files of these names replaced. A
-    /// directory that can't be made, and null, give a warning and nothing is written; before is2D() there is
-    /// an error line instead of the mesh; a viewer that this build does not
-    /// hold gives an error line, and page and mesh are written. Browsers read no mesh from a file address:
-    /// serve the directory, for example by `python3 -m http.server` in it.
-    void writeWebScene(const char* path) const;
+    /// Writes a directory that shows the triangles, or those of a zone, in a browser: index.html, the scripts
+    /// of the viewer, and the mesh 3d.obj as by writeObj. Missing directories are made, files of these names
+    /// replaced. A directory that can't be made, and null, give a warning and nothing is written; before
+    /// is2D() there is an error line instead of the mesh; a viewer that this build does not hold gives an
+    /// error line, and page and mesh are written. Browsers read no mesh from a file address: serve the
+    /// directory, for example by `python3 -m http.server` in it.
+    void writeWebScene(const char* path, const Zone2* pZone = nullptr) const;
 
     /// Writes vertices and alive constraint segments to a binary file, replacing it; see dataFiles.h for the
     /// format. Triangles, zones, graphs, directions and custom indices are not stored.

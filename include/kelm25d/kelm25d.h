@@ -20,10 +20,13 @@
 #include <kelm25d/Segment2.h>
 #include <kelm25d/Triangle2.h>
 #include <kelm25d/TriangleAroundVertexIterator.h>
+#include <kelm25d/UserPredicateT.h>
 #include <kelm25d/Vector2.h>
 #include <kelm25d/VertexPair2.h>
 #include <kelm25d/Visualizer2.h>
 #include <kelm25d/Visualizer3.h>
+#include <kelm25d/Zone2.h>
+#include <kelm25d/ZoneLocation.h>
 #include <kelm25d/dataFiles.h>
 #include <kelm25d/export.h>
 #include <kelm25d/reconstruct.h>

@@ -77,7 +77,7 @@ KELM25D_API bool isSimplePolygon(const std::vector<Segment2>& vSegments);
 /// is no triangle of the set, as copies of their ends, with the triangle on the left.
 ///
 /// They are in no order along the border; sortRingCCW makes a ring of them. An empty set has no border.
-/// Pointers are not null; a triangle that is given twice gives its part twice. Cost: n log n.
+/// Pointers are not null; a triangle that is given twice gives its part twice. Linear.
 KELM25D_API void getBorders(const std::vector<Triangle2*>& vT, std::vector<Segment2>& vBorderSegmentsOut);
 
 /// Appends the edges 0, 1 and 2 of each triangle in turn. Linear; pointers are not null.

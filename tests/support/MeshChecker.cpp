@@ -129,7 +129,7 @@ std::string findVertexFault(const std::vector<Point2*>& vVertices, const Mesh& v
 
 /// Corners, neighbours, constrained edges and empty circles; collects the hull as a map from each vertex to
 /// the next.
-std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles,
+std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles, bool bEmptyCircles,
                               std::unordered_map<const Point2*, const Point2*>& mHullNext) {
     Segments vAlive;
     dt.getAliveConstraintSegments(vAlive);
@@ -154,7 +154,8 @@ std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles,
                 ++j;
             }
             if (j == 3) return "a neighbour that does not share the edge:" + describe(pT);
-            if (pSegment == nullptr && pT < pN && exactInCircle(a, b, c, *pN->getCorner(j)) > 0) {
+            if (bEmptyCircles && pSegment == nullptr && pT < pN &&
+                exactInCircle(a, b, c, *pN->getCorner(j)) > 0) {
                 return "a circle that is not empty:" + describe(pT) + " and" + describe(pN);
             }
         }
@@ -417,7 +418,7 @@ int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point
     return sgn(sum);
 }
 
-std::string findMeshFault(const Kelm_2D& dt) {
+std::string findMeshFault(const Kelm_2D& dt, bool bEmptyCircles) {
     std::vector<Point2*> vVertices;
     Mesh vTriangles;
     dt.getVertexPointers(vVertices);
@@ -429,7 +430,7 @@ std::string findMeshFault(const Kelm_2D& dt) {
     if (!dt.is2D()) return findFaultBeforeTwoDimensional(dt, vVertices);
     fault = findVertexFault(vVertices, vTriangles);
     std::unordered_map<const Point2*, const Point2*> mHullNext;
-    if (fault.empty()) fault = findTriangleFault(dt, vTriangles, mHullNext);
+    if (fault.empty()) fault = findTriangleFault(dt, vTriangles, bEmptyCircles, mHullNext);
     if (fault.empty()) fault = findHullFault(mHullNext);
     if (!fault.empty()) return fault;
     if (vTriangles.size() + mHullNext.size() + 2 != 2 * vVertices.size()) return "Euler's formula fails";

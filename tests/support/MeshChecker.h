@@ -21,8 +21,9 @@ int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point
 /// neighbours symmetric over the same edge, incident triangles of vertices, every vertex in the mesh and no
 /// other, distinct places, empty circle over every inner edge that is no alive constraint segment, hull
 /// closed and convex, Euler's formula; before is2D() that all points are collinear and distinct; all answers
-/// to isConstraint and getConstraintSegment for edges and vertices.
-std::string findMeshFault(const Kelm_2D& dt);
+/// to isConstraint and getConstraintSegment for edges and vertices. Without bEmptyCircles the mesh need not
+/// be Delaunay.
+std::string findMeshFault(const Kelm_2D& dt, bool bEmptyCircles = true);
 
 /// Empty if the constraints are sound and contain the given segments, else what is wrong first. Checked: both
 /// lists in order and without repetition, an owner for every segment, alive segments are edges, dead ones
@@ -37,7 +38,7 @@ std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& 
 } // namespace QUOR_KELM25D
 
 /// Stops the test at the first fault of a triangulation.
-#define ASSERT_VALID_MESH(dt) ASSERT_EQ("", QUOR_KELM25D::testing_support::findMeshFault(dt))
+#define ASSERT_VALID_MESH(...) ASSERT_EQ("", QUOR_KELM25D::testing_support::findMeshFault(__VA_ARGS__))
 /// The same for its constraints; the arguments of findConstraintFault.
 #define ASSERT_VALID_CONSTRAINTS(...)                                                                        \
     ASSERT_EQ("", QUOR_KELM25D::testing_support::findConstraintFault(__VA_ARGS__))

@@ -1,0 +1,147 @@
+// A set of records by their addresses: triangles that a flood has reached, vertices that were met.
+// It holds no records and reads none; two sets are compared as sorted sequences.
+//
+// Records of a pool stand side by side, so the set is a bit for each address at which one could begin, in
+// pages that are found by a hash table of the upper parts of the addresses. Whoever visits neighbours mostly
+// stays in few pages, which are small enough for the cache: a question costs some 2 ns, where a tree costs a
+// hundred and more. Reading the set in order is reading the bits.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace QUOR_KELM25D {
+
+template <class T>
+class AddressSet {
+public:
+    AddressSet() = default;
+    /// The set of a sequence's elements.
+    explicit AddressSet(const std::vector<T*>& v) {
+        for (const T* p : v) {
+            insert(p);
+        }
+    }
+
+    std::size_t size() const noexcept { return numElements; }
+    bool empty() const noexcept { return numElements == 0; }
+
+    bool contains(const T* p) const noexcept {
+        const Word* aWord = findPage(addressOf(p) >> pageBits);
+        return aWord != nullptr && (aWord[wordOf(p)] & bitOf(p)) != 0;
+    }
+    /// False if it was there.
+    bool insert(const T* p) {
+        const std::uintptr_t key = addressOf(p) >> pageBits;
+        if (key != lastKey) {
+            aLastPage = findPage(key);
+            if (aLastPage == nullptr) aLastPage = addPage(key);
+            lastKey = key;
+        }
+        Word& word = aLastPage[wordOf(p)];
+        if ((word & bitOf(p)) != 0) return false;
+        word |= bitOf(p);
+        ++numElements;
+        return true;
+    }
+    /// False if it was not there.
+    bool erase(const T* p) noexcept {
+        if (!contains(p)) return false;
+        findPage(addressOf(p) >> pageBits)[wordOf(p)] &= ~bitOf(p);
+        --numElements;
+        return true;
+    }
+    /// Appends all elements in the order of their addresses.
+    void appendTo(std::vector<T*>& v) const {
+        std::vector<Slot> vUsed;
+        for (const Slot& slot : vSlots) {
+            if (slot.pPage != nullptr) vUsed.push_back(slot);
+        }
+        std::sort(vUsed.begin(), vUsed.end(), [](const Slot& a, const Slot& b) { return a.key < b.key; });
+        std::size_t i = v.size();
+        v.resize(i + numElements);
+        for (const Slot& slot : vUsed) {
+            std::uintptr_t address = slot.key << pageBits;
+            for (std::size_t k = 0; k < wordsPerPage; ++k, address += bitsPerWord * granule) {
+                for (Word word = (*slot.pPage)[k]; word != 0; word &= word - 1) {
+                    v[i++] = reinterpret_cast<T*>(address + granule * lowestBit(word));
+                }
+            }
+        }
+    }
+
+private:
+    using Word = std::uint64_t;
+    static constexpr std::size_t granule = alignof(T); // no two records begin closer together
+    static constexpr std::size_t bitsPerWord = 64;
+    static constexpr int pageBits = 18; // of an address within a page
+    static constexpr std::size_t wordsPerPage = (std::size_t(1) << pageBits) / granule / bitsPerWord;
+    using Page = std::array<Word, wordsPerPage>;
+    struct Slot {
+        std::uintptr_t key = 0; // upper part of the addresses
+        Page* pPage = nullptr;  // null: free
+    };
+
+    static std::uintptr_t addressOf(const T* p) noexcept { return reinterpret_cast<std::uintptr_t>(p); }
+    static std::size_t wordOf(const T* p) noexcept {
+        return addressOf(p) / (granule * bitsPerWord) % wordsPerPage;
+    }
+    static Word bitOf(const T* p) noexcept { return Word(1) << (addressOf(p) / granule % bitsPerWord); }
+    static unsigned lowestBit(Word word) noexcept {
+#if defined(__GNUC__)
+        return static_cast<unsigned>(__builtin_ctzll(word));
+#else
+        unsigned i = 0;
+        for (; (word & 1) == 0; word >>= 1) {
+            ++i;
+        }
+        return i;
+#endif
+    }
+    std::size_t firstSlot(std::uintptr_t key) const noexcept {
+        return static_cast<std::size_t>(key * 0x9e3779b97f4a7c15ULL >> 32) & (vSlots.size() - 1);
+    }
+    Word* findPage(std::uintptr_t key) const noexcept {
+        for (std::size_t i = firstSlot(key);; i = (i + 1) & (vSlots.size() - 1)) {
+            const Slot& slot = vSlots[i];
+            if (slot.pPage == nullptr) return nullptr;
+            if (slot.key == key) return slot.pPage->data();
+        }
+    }
+    Word* addPage(std::uintptr_t key) {
+        if (2 * (vPages.size() + 1) > vSlots.size()) {
+            std::vector<Slot> vOld(2 * vSlots.size());
+            vOld.swap(vSlots);
+            for (const Slot& slot : vOld) {
+                if (slot.pPage != nullptr) place(slot);
+            }
+        }
+        vPages.push_back(std::make_unique<Page>());
+        place({key, vPages.back().get()});
+        return vPages.back()->data();
+    }
+    void place(const Slot& slot) noexcept {
+        std::size_t i = firstSlot(slot.key);
+        while (vSlots[i].pPage != nullptr) {
+            i = (i + 1) & (vSlots.size() - 1);
+        }
+        vSlots[i] = slot;
+    }
+
+    std::vector<std::unique_ptr<Page>> vPages;
+    std::vector<Slot> vSlots{16}; // a power of two, at most half of them taken
+    std::size_t numElements = 0;
+    std::uintptr_t lastKey = static_cast<std::uintptr_t>(-1); // of the page used last by insert
+    Word* aLastPage = nullptr;
+};
+
+class Point2;
+class Triangle2;
+using TriangleSet = AddressSet<Triangle2>;
+using VertexSet = AddressSet<Point2>;
+
+} // namespace QUOR_KELM25D

@@ -1,0 +1,475 @@
+// Cutting of triangles along segments, the knives.
+// How the pieces of a knife enter the mesh as constraints is in Dt2_constraints.cpp.
+//
+// First every knife is traced through the triangles that it touches, all in the mesh as it is: that gives the
+// points at which edges are to be divided. Then the vertices are inserted, and last the knives, each as a
+// chain of constraint segments from vertex to vertex.
+//
+// To keep the rest of the mesh, all edges of the triangles that have a new vertex in their circle or touch a
+// divided edge are made constraints before, and vertices enter without flips. A crossing is rounded and so
+// may lie beside its edge, in a triangle as thin as the rounding: the edge's constraint is then divided at
+// the vertex by order, and the edge itself is turned at the end.
+
+#include "Dt2.h"
+
+#include "AddressSet.h"
+#include "footPoint.h"
+#include "messages.h"
+
+#include <kelm25d/VertexPair2.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <iostream>
+#include <limits>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr double sqSnapDistance = 1e-10; // of a crossing and a corner of its triangle
+
+double sqDistance2D(const Point2& a, const Point2& b) noexcept {
+    const double dx = a.x() - b.x(), dy = a.y() - b.y();
+    return dx * dx + dy * dy;
+}
+
+bool isFinite(const Point2& p) noexcept {
+    return std::isfinite(p.x()) && std::isfinite(p.y());
+}
+
+/// A point on an edge, on the surface.
+Point2 withHeightOf(const Point2& p, const Point2& q, Point2 point) noexcept {
+    const double length = std::sqrt(sqDistance2D(p, q));
+    const double slope = length > 0.0 ? (q.z() - p.z()) / length : 0.0;
+    point.setZ(p.z() + slope * std::sqrt(sqDistance2D(p, point)));
+    return point;
+}
+
+struct VertexPairHash {
+    std::size_t operator()(const VertexPair2& pair) const noexcept {
+        const auto a = reinterpret_cast<std::uintptr_t>(pair.getVertex0());
+        const auto b = reinterpret_cast<std::uintptr_t>(pair.getVertex1());
+        return static_cast<std::size_t>((a ^ (b << 20 | b >> 12)) * 0x9e3779b97f4a7c15ULL >> 16);
+    }
+};
+
+/// Appends the alive pieces of a segment in order from the one of its ends on.
+void appendPieces(ConstraintSegment2* pCSeg, const Point2* pFrom, std::vector<ConstraintSegment2*>& vOut) {
+    struct Task {
+        ConstraintSegment2* pCSeg;
+        const Point2* pFrom;
+    };
+    std::vector<Task> vStack = {{pCSeg, pFrom}};
+    std::unordered_set<const ConstraintSegment2*> sDivided; // a bent one may come up again below itself
+    while (!vStack.empty()) {
+        const Task task = vStack.back();
+        vStack.pop_back();
+        if (task.pCSeg->isAlive()) {
+            vOut.push_back(task.pCSeg);
+            continue;
+        }
+        if (!sDivided.insert(task.pCSeg).second) continue;
+        ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
+        Point2* pSplit = nullptr;
+        task.pCSeg->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
+        const auto isAtStart = [&](const ConstraintSegment2* pKid) {
+            return pKid->getSrc() == task.pFrom || pKid->getTrg() == task.pFrom;
+        };
+        if (!isAtStart(pKid0)) std::swap(pKid0, pKid1);
+        vStack.push_back({pKid1, pSplit});
+        vStack.push_back({pKid0, task.pFrom});
+    }
+}
+
+} // namespace
+
+/// While it lives vertices enter without flips, if so wanted.
+class Dt2::ImportMode {
+public:
+    ImportMode(Dt2& dt_, bool bImport) : dt(dt_), bBefore(dt.bImportMode) { dt.bImportMode = bImport; }
+    ~ImportMode() { dt.bImportMode = bBefore; }
+    ImportMode(const ImportMode&) = delete;
+    ImportMode& operator=(const ImportMode&) = delete;
+
+private:
+    Dt2& dt;
+    bool bBefore;
+};
+
+/// One cut: the knives, the edges that they meet, and the vertices at the crossings.
+class Dt2::Cut {
+public:
+    Cut(Dt2& dt_, const std::vector<Segment2>& vSegments);
+
+    bool isEmpty() const noexcept { return vKnives.empty(); }
+    /// Finds all crossings. The mesh must not change until the vertices are inserted.
+    void trace();
+    /// Makes the edges constraints that are to stay.
+    void protect();
+    void insertVertices();
+    /// Divides the constraints that the edges are at the vertices on them.
+    void divideEdges();
+    /// Makes the knives chains of constraints; the pieces are appended.
+    void insertKnives();
+    void getPieces(std::vector<ConstraintSegment2*>& vCSegsOut) const;
+
+private:
+    struct Knife {
+        Point2 src, trg;
+        std::vector<Point2> vCutPoints;  // crossings with edges
+        std::vector<Point2*> vOnSegment; // vertices strictly inside
+    };
+    struct CutEdge {
+        Point2 *p, *q;               // p has the lower address
+        std::vector<Point2> vPoints; // where it is to be divided; it may be merely touched
+    };
+    struct Piece {
+        ConstraintSegment2* pCSeg; // dead if another knife has divided it
+        const Point2* pFrom;
+    };
+
+    void traceKnife(Knife& knife);
+    bool treatEdge(Knife& knife, const Point2& a, const Point2& b, Triangle2* pT, int i);
+    void treatCollinear(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge);
+    bool treatCrossing(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge);
+    CutEdge& getCutEdge(Point2* p, Point2* q);
+    void addConflictTriangles(const Point2& point, TriangleSet& sTriangles);
+    Point2* makeVertex(const Point2& point);
+    Point2* vertexAt(const Point2& point) const;
+
+    Dt2& dt;
+    std::vector<Knife> vKnives;
+    std::vector<Edge2> vHull; // before anything is inserted, if a knife begins outside
+    std::vector<CutEdge> vCutEdges;
+    std::unordered_map<VertexPair2, std::size_t, VertexPairHash> mCutEdge; // positions in vCutEdges
+    std::vector<std::pair<Point2, Point2*>> vVertices; // the vertex for each crossing, by place
+    std::vector<Piece> vPieces;
+};
+
+Dt2::Cut::Cut(Dt2& dt_, const std::vector<Segment2>& vSegments) : dt(dt_) {
+    for (const Segment2& segment : vSegments) {
+        if (segment.getSrc() == segment.getTrg()) continue;
+        vKnives.push_back({segment.getSrc(), segment.getTrg(), {}, {}});
+    }
+}
+
+// --- tracing ----------------------------------------------------------------------------------------------
+
+void Dt2::Cut::trace() {
+    for (Knife& knife : vKnives) {
+        traceKnife(knife);
+    }
+}
+
+/// Goes through all triangles that a knife touches.
+void Dt2::Cut::traceKnife(Knife& knife) {
+    const bool bForward = knife.src < knife.trg;
+    const Point2 a = bForward ? knife.src : knife.trg, b = bForward ? knife.trg : knife.src;
+    std::vector<Triangle2*> vStack;
+    if (Triangle2* pT = dt.locate(a)) {
+        vStack.push_back(pT);
+    } else {
+        if (vHull.empty()) dt.getHullEdges(vHull);
+        for (const Edge2& edge : vHull) {
+            if (dt.quorTest.segmentsIntersect(edge.getSrc(), edge.getTrg(), &a, &b) != 0) {
+                vStack.push_back(edge.getTriangle());
+            }
+        }
+    }
+    TriangleSet sVisited(vStack), sDone;
+    while (!vStack.empty()) {
+        Triangle2* pT = vStack.back();
+        vStack.pop_back();
+        if (!sDone.insert(pT)) continue;
+        for (int i = 0; i < 3; ++i) {
+            Triangle2* pN = pT->aOppTriangle[i];
+            if (pN != nullptr && sDone.contains(pN)) continue; // treated from there
+            if (treatEdge(knife, a, b, pT, i) && pN != nullptr && sVisited.insert(pN)) vStack.push_back(pN);
+        }
+    }
+}
+
+/// Notes what the knife does to an edge. True if the triangle behind may be touched, too.
+bool Dt2::Cut::treatEdge(Knife& knife, const Point2& a, const Point2& b, Triangle2* pT, int i) {
+    Point2 *p = pT->aCorner[incIndexBy1(i)], *q = pT->aCorner[incIndexBy2(i)];
+    if (std::less<Point2*>()(q, p)) std::swap(p, q);
+    const int relation = dt.quorTest.segmentsIntersect(p, q, &a, &b);
+    if (relation == 0) return false;
+    CutEdge& edge = getCutEdge(p, q);
+    if (relation == 2) return treatCrossing(knife, a, b, edge);
+    treatCollinear(knife, a, b, edge);
+    return true;
+}
+
+Dt2::Cut::CutEdge& Dt2::Cut::getCutEdge(Point2* p, Point2* q) {
+    const auto found = mCutEdge.emplace(VertexPair2(p, q), vCutEdges.size());
+    if (found.second) vCutEdges.push_back({p, q, {}});
+    return vCutEdges[found.first->second];
+}
+
+/// Ends of the knife within the edge divide the edge, ends of the edge within the knife the knife.
+void Dt2::Cut::treatCollinear(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge) {
+    const auto isBetween = [](const Point2& c, const Point2& end0, const Point2& end1) {
+        const double sqLength = sqDistance2D(end0, end1);
+        return sqDistance2D(c, end0) < sqLength && sqDistance2D(c, end1) < sqLength;
+    };
+    for (const Point2* pEnd : {&a, &b}) {
+        if (isBetween(*pEnd, *edge.p, *edge.q)) edge.vPoints.push_back(withHeightOf(*edge.p, *edge.q, *pEnd));
+    }
+    for (Point2* pEnd : {edge.p, edge.q}) {
+        if (isBetween(*pEnd, a, b)) knife.vOnSegment.push_back(pEnd);
+    }
+}
+
+bool Dt2::Cut::treatCrossing(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge) {
+    const Point2 &p = *edge.p, &q = *edge.q;
+    Point2 crossing = getIntersection25D(p, q, a, b);
+    if (!isFinite(crossing)) {
+        printWarning("cutTriangles()", "numerical issue, no intersection point");
+        std::cout << p << "<->" << q << std::endl << a << "<->" << b << std::endl;
+        return false;
+    }
+    if (crossing == a || crossing == b)
+        crossing = withHeightOf(p, q, crossing); // ends have heights of their own
+    edge.vPoints.push_back(crossing);
+    knife.vCutPoints.push_back(crossing);
+    return true;
+}
+
+// --- protection -------------------------------------------------------------------------------------------
+
+void Dt2::Cut::protect() {
+    TriangleSet sTriangles;
+    for (const Knife& knife : vKnives) {
+        addConflictTriangles(knife.src, sTriangles);
+        addConflictTriangles(knife.trg, sTriangles);
+        for (const Point2& point : knife.vCutPoints) {
+            addConflictTriangles(point, sTriangles);
+        }
+    }
+    VertexSet sEnds;
+    for (const CutEdge& edge : vCutEdges) {
+        for (Point2* pEnd : {edge.p, edge.q}) {
+            if (!sEnds.insert(pEnd)) continue;
+            std::vector<Triangle2*> vFan;
+            dt.getIncidentTriangles(pEnd, vFan);
+            for (const Triangle2* pT : vFan) {
+                sTriangles.insert(pT);
+            }
+        }
+    }
+    std::vector<Triangle2*> vTriangles;
+    sTriangles.appendTo(vTriangles);
+    ConstraintMgr::Pairs vPairs;
+    for (const Triangle2* pT : vTriangles) {
+        for (int i = 0; i < 3; ++i) {
+            const Triangle2* pN = pT->aOppTriangle[i];
+            const bool bFromThere =
+                pN != nullptr && std::less<const Triangle2*>()(pN, pT) && sTriangles.contains(pN);
+            if (bFromThere || dt.segmentTable.isConstraintEdge(pT, i)) continue;
+            vPairs.emplace_back(pT->aCorner[incIndexBy1(i)], pT->aCorner[incIndexBy2(i)]);
+        }
+    }
+    // They are edges already, so nothing has to be inserted.
+    if (!vPairs.empty()) dt.constraintMgr.createConstraint(vPairs, CIS_CONSTRAINED_DELAUNAY, false);
+}
+
+/// The triangles that have the point in their circle, or on it.
+void Dt2::Cut::addConflictTriangles(const Point2& point, TriangleSet& sTriangles) {
+    Triangle2* pStart = dt.locate(point);
+    if (pStart == nullptr) return;
+    std::vector<Triangle2*> vStack = {pStart};
+    TriangleSet sTested(vStack);
+    while (!vStack.empty()) {
+        const Triangle2* pT = vStack.back();
+        vStack.pop_back();
+        sTriangles.insert(pT);
+        for (Triangle2* pN : pT->aOppTriangle) {
+            if (pN == nullptr || !sTested.insert(pN)) continue;
+            if (dt.quorTest.circleIncFiltered(pN, &point) != 2) vStack.push_back(pN);
+        }
+    }
+}
+
+// --- vertices ---------------------------------------------------------------------------------------------
+
+void Dt2::Cut::insertVertices() {
+    const auto isBefore = [](const std::pair<Point2, Point2*>& a, const std::pair<Point2, Point2*>& b) {
+        return a.first < b.first;
+    };
+    const auto isSame = [](const std::pair<Point2, Point2*>& a, const std::pair<Point2, Point2*>& b) {
+        return a.first == b.first;
+    };
+    for (const CutEdge& edge : vCutEdges) {
+        for (const Point2& point : edge.vPoints) {
+            vVertices.emplace_back(point, nullptr);
+        }
+    }
+    std::stable_sort(vVertices.begin(), vVertices.end(), isBefore);
+    vVertices.erase(std::unique(vVertices.begin(), vVertices.end(), isSame), vVertices.end());
+    for (auto& entry : vVertices) {
+        entry.second = makeVertex(entry.first);
+    }
+}
+
+/// The vertex for a crossing: a corner of its triangle that all but coincides, else a new one. Where
+/// triangles are as thin as the rounding the corner may be one of a triangle behind.
+Point2* Dt2::Cut::makeVertex(const Point2& point) {
+    Triangle2* pLocated = dt.locate(point);
+    Point2* pNearest = nullptr;
+    double nearest = std::numeric_limits<double>::max();
+    const auto consider = [&](Point2* pCandidate) {
+        const double sqDistance = *pCandidate == point ? 0.0 : sqDistance2D(*pCandidate, point);
+        if (sqDistance >= nearest) return;
+        nearest = sqDistance;
+        pNearest = pCandidate;
+    };
+    std::vector<Triangle2*> vStack;
+    if (pLocated != nullptr) {
+        vStack.push_back(pLocated);
+    } else {
+        std::vector<Edge2> vHullNow;
+        dt.getHullEdges(vHullNow);
+        for (const Edge2& edge : vHullNow) {
+            consider(edge.getSrc());
+        }
+    }
+    TriangleSet sVisited(vStack);
+    while (!vStack.empty() && nearest > 0.0) {
+        const Triangle2* pT = vStack.back();
+        vStack.pop_back();
+        for (int i = 0; i < 3; ++i) {
+            consider(pT->aCorner[i]);
+            Triangle2* pN = pT->aOppTriangle[i];
+            if (pN == nullptr || sVisited.contains(pN)) continue;
+            const Point2 &p = *pT->aCorner[incIndexBy1(i)], &q = *pT->aCorner[incIndexBy2(i)];
+            const Point2 foot = getFootPoint(p, q, point);
+            if (sqDistance2D(foot, point) >= sqSnapDistance || !isOnSegment(p, q, foot)) continue;
+            sVisited.insert(pN);
+            vStack.push_back(pN);
+        }
+    }
+    return nearest < sqSnapDistance ? pNearest : dt.insertPoint(point, pLocated);
+}
+
+Point2* Dt2::Cut::vertexAt(const Point2& point) const {
+    const auto it = std::lower_bound(
+        vVertices.begin(), vVertices.end(), point,
+        [](const std::pair<Point2, Point2*>& entry, const Point2& p) { return entry.first < p; });
+    return it->second;
+}
+
+// --- constraints ------------------------------------------------------------------------------------------
+
+void Dt2::Cut::divideEdges() {
+    for (const CutEdge& edge : vCutEdges) {
+        if (edge.vPoints.empty()) continue;
+        std::vector<Point2*> vSplitPoints, vSortedPoints;
+        for (const Point2& point : edge.vPoints) {
+            vSplitPoints.push_back(vertexAt(point));
+        }
+        dt.CUTT_insertConstraintSegments(edge.p, edge.q, vSplitPoints, vSortedPoints);
+    }
+}
+
+void Dt2::Cut::insertKnives() {
+    for (Knife& knife : vKnives) {
+        for (Point2* pEnd : {&knife.src, &knife.trg}) {
+            double height = 0.0;
+            if (dt.getHeight(pEnd->x(), pEnd->y(), height, nullptr, 0.0)) pEnd->setZ(height);
+        }
+        Point2* pSrc = dt.insertPoint(knife.src);
+        Point2* pTrg = dt.insertPoint(knife.trg);
+        std::vector<Point2*> vSplitPoints(knife.vOnSegment), vSortedPoints;
+        for (const Point2& point : knife.vCutPoints) {
+            vSplitPoints.push_back(vertexAt(point));
+        }
+        dt.CUTT_insertConstraintSegments(pSrc, pTrg, vSplitPoints, vSortedPoints);
+        KELM_CHECK(vSortedPoints.size()>1);
+        for (std::size_t i = 1; i < vSortedPoints.size(); ++i) {
+            ConstraintSegment2* pCSeg = dt.constraintMgr.findSegment(vSortedPoints[i - 1], vSortedPoints[i]);
+            KELM_CHECK(pCSeg!=0);
+            vPieces.push_back({pCSeg, vSortedPoints[i - 1]});
+        }
+    }
+}
+
+void Dt2::Cut::getPieces(std::vector<ConstraintSegment2*>& vCSegsOut) const {
+    for (const Piece& piece : vPieces) {
+        appendPieces(piece.pCSeg, piece.pFrom, vCSegsOut);
+    }
+}
+
+// --- the whole --------------------------------------------------------------------------------------------
+
+void Dt2::CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints,
+                            std::vector<ConstraintSegment2*>& vCSegsOut) {
+    const char* const where = "Dt2::CUTT_cutTriangles(..)";
+    if (vSegments.empty()) return;
+    if (!is2D()) {
+        printWarning(where, "The triangulation is not 2D yet, nothing to do");
+        return;
+    }
+    const bool bFinite = std::all_of(vSegments.begin(), vSegments.end(), [](const Segment2& segment) {
+        return isFinite(segment.getSrc()) && isFinite(segment.getTrg());
+    });
+    if (!bFinite) {
+        printError(where, "a coordinate is not finite, nothing is cut");
+        return;
+    }
+    if (isBroken(where)) return;
+    const MuteProgress mute(progress);
+    applyConstraintsAndZones();
+    Cut cut(*this, vSegments);
+    if (cut.isEmpty()) {
+        printWarning(where, "No or only degenerate segments, nothing to do");
+        return;
+    }
+    cut.trace();
+    const ImportMode importMode(*this, bWithConstraints);
+    if (bWithConstraints) cut.protect();
+    cut.insertVertices();
+    if (bWithConstraints) cut.divideEdges();
+    cut.insertKnives();
+    applyConstraintsAndZones();
+    cut.getPieces(vCSegsOut);
+}
+
+void Dt2::CUTT_insertConstraintSegments(Point2* pA, Point2* pB, std::vector<Point2*>& vSplitPoints,
+                                        std::vector<Point2*>& vSortedPoints) {
+    const bool bForward = std::less<Point2*>()(pA, pB);
+    Point2 *pStart = bForward ? pA : pB, *pEnd = bForward ? pB : pA;
+    VertexSet(vSplitPoints).appendTo(vSortedPoints = {});
+    std::vector<std::pair<double, Point2*>> vOrder;
+    for (Point2* pVtx : vSortedPoints) {
+        if (pVtx != pStart && pVtx != pEnd) vOrder.emplace_back(sqDistance2D(*pStart, *pVtx), pVtx);
+    }
+    std::sort(vOrder.begin(), vOrder.end());
+    vSortedPoints = {pStart};
+    for (const auto& entry : vOrder) {
+        vSortedPoints.push_back(entry.second);
+    }
+    vSortedPoints.push_back(pEnd);
+
+    // An edge that is a constraint is divided without geometry, so that it gets exactly these vertices.
+    ConstraintSegment2* pCSeg = getConstraintSegment(pStart, pEnd);
+    for (std::size_t i = 1; i + 1 < vSortedPoints.size() && pCSeg != nullptr; ++i) {
+        Point2* pSplit = vSortedPoints[i];
+        if (!pCSeg->split_combinatorialOnly(pSplit)) break;
+        pCSeg = getConstraintSegment(pSplit, pEnd);
+    }
+    // Otherwise, and where that could not be, the pieces are inserted.
+    ConstraintMgr::Pairs vPairs;
+    for (std::size_t i = 1; i < vSortedPoints.size(); ++i) {
+        Point2 *pSrc = vSortedPoints[i - 1], *pTrg = vSortedPoints[i];
+        if (constraintMgr.findSegment(pSrc, pTrg) == nullptr) vPairs.emplace_back(pSrc, pTrg);
+    }
+    if (!vPairs.empty()) constraintMgr.createConstraint(vPairs, CIS_CONSTRAINED_DELAUNAY, true);
+}
+
+} // namespace QUOR_KELM25D

@@ -1,0 +1,151 @@
+// The rules of zones by connected parts and ordered sets, and the comparison.
+// The mesh itself is checked by MeshChecker.
+#include "zoneModel.h"
+
+#include <kelm25d/ConstraintSegment2.h>
+#include <kelm25d/VertexPair2.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <map>
+
+namespace QUOR_KELM25D {
+namespace testing_support {
+
+namespace {
+
+/// The number of the part of each triangle, where the pieces of the graphs divide.
+std::map<Triangle2*, int> findParts(const Kelm_2D& dt, const std::vector<const ConstraintGraph2*>& vGraphs) {
+    std::set<VertexPair2> sBlocked;
+    for (const ConstraintGraph2* pGraph : vGraphs) {
+        std::vector<ConstraintSegment2*> vPieces;
+        if (pGraph != nullptr) pGraph->getChildConstraintSegments(vPieces);
+        for (const ConstraintSegment2* pPiece : vPieces)
+            sBlocked.emplace(pPiece->getSrc(), pPiece->getTrg());
+    }
+    Triangles vAll;
+    dt.getTrianglePointers(vAll);
+    std::map<Triangle2*, int> mPart;
+    for (Triangle2* pSeed : vAll) {
+        if (mPart.count(pSeed) != 0) continue;
+        const int part = static_cast<int>(mPart.size());
+        Triangles vStack = {pSeed};
+        while (!vStack.empty()) {
+            Triangle2* pT = vStack.back();
+            vStack.pop_back();
+            if (!mPart.emplace(pT, part).second) continue;
+            for (int i = 0; i < 3; ++i) {
+                const Edge2 edge(pT, i);
+                Triangle2* pN = pT->getOppositeTriangle(i);
+                if (pN != nullptr && sBlocked.count(VertexPair2(edge.getSrc(), edge.getTrg())) == 0)
+                    vStack.push_back(pN);
+            }
+        }
+    }
+    return mPart;
+}
+
+/// The directed edges that a graph runs along; inside only those that it runs along once.
+std::set<std::pair<const Point2*, const Point2*>> findSides(const ConstraintGraph2& graph, bool bInside) {
+    std::vector<Point2*> vEnds;
+    graph.getPolygonVertices(vEnds);
+    std::map<VertexPair2, int> mCount;
+    for (std::size_t i = 0; i < vEnds.size(); i += 2)
+        ++mCount[VertexPair2(vEnds[i], vEnds[i + 1])];
+    std::set<std::pair<const Point2*, const Point2*>> sSides;
+    for (std::size_t i = 0; i < vEnds.size(); i += 2) {
+        if (!bInside)
+            sSides.emplace(vEnds[i + 1], vEnds[i]);
+        else if (mCount[VertexPair2(vEnds[i], vEnds[i + 1])] == 1)
+            sSides.emplace(vEnds[i], vEnds[i + 1]);
+    }
+    return sSides;
+}
+
+} // namespace
+
+Triangles trianglesOf(const Zone2& zone) {
+    Triangles v;
+    zone.getTriangles(v);
+    return v;
+}
+
+std::set<Edge2> borderOf(const Triangles& vTriangles) {
+    const std::set<Triangle2*> s(vTriangles.begin(), vTriangles.end());
+    std::set<Edge2> sBorder;
+    for (Triangle2* pT : s)
+        for (int i = 0; i < 3; ++i)
+            if (s.count(pT->getOppositeTriangle(i)) == 0) sBorder.emplace(pT, i);
+    return sBorder;
+}
+
+TriangleMultiset ZoneModel::getTriangles(Kelm_2D& dt) const {
+    TriangleMultiset s;
+    if (pOperand0 != nullptr) {
+        const TriangleMultiset a = pOperand0->getTriangles(dt), b = pOperand1->getTriangles(dt);
+        const auto out = std::inserter(s, s.end());
+        if (location == ZL_RESULT_UNION)
+            std::set_union(a.begin(), a.end(), b.begin(), b.end(), out);
+        else if (location == ZL_RESULT_INTERSECTION)
+            std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), out);
+        else if (location == ZL_RESULT_DIFFERENCE)
+            std::set_difference(a.begin(), a.end(), b.begin(), b.end(), out);
+        else
+            std::set_symmetric_difference(a.begin(), a.end(), b.begin(), b.end(), out);
+        return s;
+    }
+    const std::map<Triangle2*, int> mPart = findParts(dt, vGraphs);
+    std::multiset<int> sChosen;
+    for (const Point2& startPoint : vStartPoints)
+        if (Triangle2* pT = dt.locate(startPoint)) sChosen.insert(mPart.at(pT));
+    if (location != ZL_GROW) {
+        std::set<std::pair<const Point2*, const Point2*>> sSides;
+        for (const ConstraintGraph2* pGraph : vGraphs)
+            if (pGraph != nullptr) sSides.merge(findSides(*pGraph, location != ZL_OUTSIDE));
+        std::set<int> sTouched;
+        for (const auto& entry : mPart)
+            for (int i = 0; i < 3; ++i) {
+                const Edge2 edge(entry.first, i);
+                if (location == ZL_GLOBAL || sSides.count({edge.getSrc(), edge.getTrg()}) != 0)
+                    sTouched.insert(entry.second);
+            }
+        sChosen.insert(sTouched.begin(), sTouched.end());
+    }
+    for (const auto& entry : mPart)
+        for (std::size_t n = sChosen.count(entry.second); n > 0; --n)
+            s.insert(entry.first);
+    return s;
+}
+
+std::string findZoneFault(Kelm_2D& dt, const ZoneModel& model) {
+    if (!dt.is2D()) return "";
+    const TriangleMultiset sExpected = model.getTriangles(dt);
+    const Triangles v = trianglesOf(*model.pZone);
+    if (TriangleMultiset(v.begin(), v.end()) != sExpected) {
+        return "zone of location " + std::to_string(model.location) + " has " + std::to_string(v.size()) +
+               " triangles, or others, instead of " + std::to_string(sExpected.size());
+    }
+    if (model.location != ZL_GROW && !std::is_sorted(v.begin(), v.end())) return "not by address";
+    std::set<Point2*> sCorners;
+    double area = 0.0;
+    for (const Triangle2* pT : v) {
+        for (int i = 0; i < 3; ++i)
+            sCorners.insert(pT->getCorner(i));
+        area += pT->getArea2D();
+    }
+    std::vector<Point2*> vVertices;
+    model.pZone->getVertices(vVertices);
+    if (vVertices != std::vector<Point2*>(sCorners.begin(), sCorners.end())) return "wrong vertices";
+    if (model.pZone->getArea2D() != area) return "wrong area";
+    std::vector<Edge2> vBorder, vBoundary;
+    model.pZone->getBorderEdges(vBorder);
+    model.pZone->getBoundaryEdges(vBoundary);
+    if (std::set<Edge2>(vBorder.begin(), vBorder.end()) != borderOf(v)) return "wrong border";
+    if (!std::is_sorted(vBorder.begin(), vBorder.end())) return "border not by address";
+    std::sort(vBoundary.begin(), vBoundary.end());
+    return vBoundary == vBorder ? "" : "border and boundary differ";
+}
+
+} // namespace testing_support
+} // namespace QUOR_KELM25D

@@ -1,0 +1,376 @@
+// Zones: every way to make one, what is refused, and that each follows its mesh; set operations, peeling and
+// measures. Cutting is in cutting_test.cpp, flips within zones in surface_optimization_test.cpp.
+#include "testing.h"
+
+#include "zoneModel.h"
+
+#include <functional>
+#include <numeric>
+
+namespace {
+
+#define ASSERT_ZONE(dt, model) ASSERT_EQ("", findZoneFault(dt, model)) << "seed " << seed
+
+std::vector<Segment2> ringOf(const std::vector<Point2>& vCorners) {
+    std::vector<Segment2> v;
+    for (std::size_t i = 0; i < vCorners.size(); ++i)
+        v.emplace_back(vCorners[i], vCorners[(i + 1) % vCorners.size()]);
+    return v;
+}
+
+std::vector<Segment2> circle(double x, double y, double r, unsigned n) {
+    std::vector<Point2> v;
+    generateCircle(n, x, y, 0.0, r, r, v);
+    return ringOf(v);
+}
+
+std::set<Triangle2*> setOf(const Zone2& zone) {
+    const Triangles v = trianglesOf(zone);
+    return {v.begin(), v.end()};
+}
+
+/// Zones of many kinds over random points: rings, a ring with a hole given by directions, open lines, spikes.
+struct Scene {
+    explicit Scene(unsigned seed) : random(seed) {
+        std::vector<Point2> vPoints;
+        for (int i = 0; i < 400; ++i)
+            vPoints.push_back(point());
+        dt.insert(vPoints);
+        const auto constrain = [&](const std::vector<Segment2>& v, bool bOriented) {
+            return dt.createConstraint(v, CIS_CONSTRAINED_DELAUNAY, bOriented);
+        };
+        std::vector<Segment2> vHoled = circle(5, 5, 4, 24), vSpiked = circle(7, 3, 2, 12);
+        for (Segment2 segment : circle(5, 5, 2, 16)) {
+            segment.swapSrcTrg();
+            vHoled.push_back(segment);
+        }
+        const Point2 tip(7, 3, 0);
+        vSpiked.emplace_back(vSpiked[0].getSrc(), tip);
+        vSpiked.emplace_back(tip, vSpiked[0].getSrc());
+        vGraphs = {constrain(circle(3, 3, 2.5, 20), false), constrain(vHoled, true), constrain(vSpiked, true),
+                   constrain({Segment2(point(), point()), Segment2(point(), point())}, true),
+                   constrain({Segment2(point(), point())}, true)};
+        add({dt.createZone(nullptr, ZL_GLOBAL), ZL_GLOBAL});
+        for (ConstraintGraph2* pGraph : vGraphs)
+            for (const ZoneLocation location : {ZL_INSIDE, ZL_OUTSIDE})
+                add({dt.createZone(pGraph, location), location, {pGraph}});
+        const std::vector<ConstraintGraph2*> vSome = {vGraphs[0], vGraphs[1]};
+        add({dt.getImpl()->createZone(vSome, ZL_OUTSIDE), ZL_OUTSIDE, {vGraphs[0], vGraphs[1]}});
+        for (const Point2& start : {point(), Point2(20, 20, 0), Point2(5, 5, 0)})
+            add({dt.createZone(vSome, ZL_GROW, start), ZL_GROW, {vGraphs[0], vGraphs[1]}, {start}});
+        static Zone2* (*const aOperation[])(Zone2*, Zone2*) = {zoneUnion, zoneIntersection, zoneDifference,
+                                                               zoneSymmetricDifference};
+        for (int i = 0; i < 12; ++i) {
+            const ZoneModel &a = any(), &b = any();
+            add({aOperation[i % 4](a.pZone, b.pZone), ZoneLocation(ZL_RESULT_UNION + i % 4), {}, {}, &a, &b});
+        }
+    }
+
+    Point2 point() { return Point2(coordinate(random), coordinate(random), coordinate(random)); }
+    const ZoneModel& any() { return *vModels[random() % vModels.size()]; }
+    void add(const ZoneModel& model) { vModels.push_back(std::make_unique<ZoneModel>(model)); }
+
+    void change() {
+        std::vector<Point2*> vVertices;
+        dt.getVertexPointers(vVertices);
+        std::vector<ConstraintSegment2*> vAlive;
+        dt.getAliveConstraintSegments(vAlive);
+        ConstraintSegment2* pSegment = vAlive[random() % vAlive.size()];
+        const Point2 &a = *pSegment->getSrc(), &b = *pSegment->getTrg();
+        Point2* pVtx = vVertices[random() % vVertices.size()];
+        Triangle2* pT = pVtx->getIncidentTriangle();
+        switch (random() % 6) {
+        case 0:
+            if (!dt.isConstraint(pVtx)) dt.remove(pVtx);
+            break;
+        case 1:
+            pSegment->insertAndSplit(bBend ? point() : Point2((a.x() + b.x()) / 2, (a.y() + b.y()) / 2, 0));
+            break;
+        case 2:
+            dt.createConstraint({Segment2(point(), point())}, CIS_CONSTRAINED_DELAUNAY, true);
+            break;
+        case 3:
+            if (dt.getImpl()->canBeFlipped(pT, 0)) Dt2::flip(pT, 0);
+            break;
+        default:
+            dt.insert(point());
+        }
+    }
+
+    std::mt19937 random;
+    std::uniform_real_distribution<double> coordinate{0, 10};
+    bool bBend = false; // constraints may come to run elsewhere
+    Kelm_2D dt;
+    std::vector<ConstraintGraph2*> vGraphs;
+    std::vector<std::unique_ptr<ZoneModel>> vModels;
+};
+
+TEST(Zones, FollowTheMeshThroughEveryChange) {
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        Scene scene(seed);
+        scene.bBend = seed % 2 == 0;
+        for (int step = 0; step < 12; ++step) {
+            for (const auto& pModel : scene.vModels)
+                ASSERT_ZONE(scene.dt, *pModel);
+            for (int i = 0; i < 5; ++i)
+                scene.change();
+        }
+    }
+}
+
+TEST(Zones, BoundedZoneKeepsItsAreaWhateverComesLater) {
+    for (unsigned seed = 1; seed <= 3; ++seed) {
+        Scene scene(seed);
+        for (std::size_t i = 0, n = scene.vModels.size(); i < n; ++i) {
+            const ZoneModel model = *scene.vModels[i];
+            const Triangles vBefore = trianglesOf(*model.pZone);
+            Zone2* pBounded = model.pZone->convertToBoundedZone();
+            if (vBefore.empty() || model.location == ZL_INSIDE) {
+                ASSERT_EQ(vBefore.empty() ? nullptr : model.pZone, pBounded);
+                continue;
+            }
+            ASSERT_EQ(std::set<Triangle2*>(vBefore.begin(), vBefore.end()), setOf(*pBounded));
+            scene.add({pBounded, ZL_BOUNDED, {pBounded->getConstraintGraph()}});
+        }
+        std::vector<double> vAreas;
+        for (const auto& pModel : scene.vModels)
+            vAreas.push_back(pModel->pZone->getArea2D());
+        for (int i = 0; i < 60; ++i)
+            scene.change();
+        for (std::size_t i = 0; i < scene.vModels.size(); ++i) {
+            ASSERT_ZONE(scene.dt, *scene.vModels[i]);
+            if (scene.vModels[i]->location != ZL_BOUNDED) continue;
+            ASSERT_NEAR(vAreas[i], scene.vModels[i]->pZone->getArea2D(), 1e-9); // sums of some 500 roundings
+        }
+    }
+}
+
+// Triangles chosen at random, shuffled: borders with holes, corners that touch, many parts.
+TEST(Zones, AnySetOfTrianglesBecomesAZone) {
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        std::mt19937 random(seed);
+        Kelm_2D dt;
+        std::uniform_real_distribution<double> coordinate(0, 10);
+        for (int i = 0; i < 100; ++i)
+            dt.insert(Point2(coordinate(random), coordinate(random), 0));
+        Triangles vAll, vChosen;
+        dt.getTrianglePointers(vAll);
+        std::copy_if(vAll.begin(), vAll.end(), std::back_inserter(vChosen),
+                     [&](Triangle2*) { return random() % 20 < seed; });
+        std::shuffle(vChosen.begin(), vChosen.end(), random);
+        const Zone2* pZone = dt.createZone(vChosen);
+        ASSERT_EQ(ZL_GROW, pZone->getZoneLocation());
+        ASSERT_EQ(std::set<Triangle2*>(vChosen.begin(), vChosen.end()), setOf(*pZone));
+        std::vector<Segment2> vSegments, vBorders;
+        pZone->getBoundarySegments(vSegments);
+        getBorders(trianglesOf(*pZone), vBorders);
+        ASSERT_TRUE(vSegments == vBorders);
+        ASSERT_VALID_MESH(dt);
+    }
+}
+
+TEST(Zones, RefusalsSayWhatIsWrong) {
+    Kelm_2D dt, flat;
+    flat.insert({{0, 0, 0}, {1, 1, 0}, {2, 2, 0}});
+    dt.insert({{0, 0, 0}, {9, 0, 0}, {9, 9, 0}, {0, 9, 0}});
+    ConstraintGraph2* pRing = dt.createConstraint(circle(4, 4, 2, 8), CIS_CONSTRAINED_DELAUNAY);
+    ConstraintGraph2* pLine = dt.createConstraint({Segment2({1, 1, 0}, {1, 8, 0})}, CIS_CONSTRAINED_DELAUNAY);
+    Dt2& impl = *dt.getImpl();
+    std::vector<ConstraintGraph2*> vNone, vBoth = {pRing, pLine};
+    Zone2 wrong(&impl, static_cast<ZoneLocation>(9)), several(&impl, vBoth, ZL_GROW, {}),
+        none(&impl, ZL_GLOBAL);
+    Zone2 *pRingZone = dt.createZone(pRing, ZL_INSIDE), *pAll = dt.createZone(nullptr, ZL_GLOBAL);
+    ConstraintGraph2* pFlatLine =
+        flat.createConstraint({Segment2({0, 0, 0}, {1, 1, 0})}, CIS_CONSTRAINED_DELAUNAY, true);
+    Zone2* pFlat = flat.createZone(pFlatLine, ZL_GROW, Point2(1, 1, 0));
+    Kelm_2D other;
+    other.insert({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
+    Zone2 *pOther = other.createZone(nullptr, ZL_GLOBAL);
+    struct {
+        std::function<const void*()> call;
+        const char* message; // with the place
+        bool bNull = true;
+    } const aCase[] = {
+        {[&] { return flat.createZone(nullptr, ZL_GLOBAL, false); },
+         "Dt2::createZone, WARNING: called on a triangulation which has no triangles yet. Returning NULL"},
+        {[&] { return dt.createZone(nullptr, ZL_INSIDE, false); },
+         "Dt::createZone(), ERROR: pConstraintGraph==NULL, but zoneLoc!=ZL_GLOBAL or ZL_RESULT. Returning "
+         "NULL"},
+        {[&] { return dt.createZone(pLine, ZL_OUTSIDE); },
+         "Kelm_2D::createZone(..), WARNING: No zone created, returning NULL (bVerbose==true)"},
+        {[&] { return dt.createZone(pLine, ZL_OUTSIDE, false); },
+         "Dt2::createZone(), WARNING: The constraint graph is not oriented, returning NULL"},
+        {[&] { return dt.createZone(pRing, ZL_INSIDE, Point2(1, 1, 0)); },
+         "Dt2::createZone(), ERROR: This overloaded version of createZone accepts only ZL_GROW"},
+        {[&] { return impl.createZone(vBoth, ZL_GROW); },
+         "Dt2::createZone(), ERROR: This overloaded version of createZone accepts only ZL_INSIDE and "
+         "ZL_OUTSIDE"},
+        {[&] { return impl.createZone(std::vector<Edge2>(), ZL_GROW); },
+         "Dt2::createZone(), ERROR: This overloaded version of createZone accepts only ZL_BOUNDED"},
+        {[&] { return dt.createZone(Triangles(1, nullptr)); }, "A triangle is NULL"},
+        {[&] { return dt.createZone(Triangles()); },
+         "Dt2::createConstraint(..), WARNING: vSegments is empty, returning NULL", false},
+        {[&] { return several.getConstraintGraph(); },
+         "Zone2::getConstraintGraph(), WARNING: There is more than one constraint graph, use "
+         "Zone2::getConstraintGraphs() instead. Returning NULL"},
+        {[&] { return none.getConstraintGraph(); }, ""},
+        {[&] { return pFlat->getNumberOfTriangles() ? pFlat : nullptr; },
+         "Zone2::getTriangles(), WARNING: is2D() is false, nothing to return"},
+        {[&] { return wrong.getNumberOfTriangles() ? &wrong : nullptr; },
+         "Zone2::getTriangles(), ERROR: unknown zoneLoc value"},
+        {[&] { return several.convertToBoundedZone(); },
+         "Zone2::convertToBoundedZone(), WARNING: No triangles available, returning NULL"},
+        {[&] { return zoneUnion(pRingZone, pOther); },
+         "Zone2::zoneUnion(...), ERROR: The zones must belong to the same triangulation! Returning NULL"},
+        {[&] { return zoneDifference(pRingZone, pOther); },
+         "zoneUnion(...), ERROR: The zones must belong to the same triangulation! Returning NULL"},
+        {[&] { return zoneIntersection(pRingZone, nullptr); }, "A zone is NULL! Returning NULL"},
+        {[&] { return peelOffIf(nullptr, nullptr); },
+         "peelOffIf(), WARNING: Input zone is NULL, returning NULL"},
+        {[&] { return dt.deleteZone(pOther), nullptr; },
+         "Dt2::deleteZone(..), WARNING: trying to delete a non-existing zone"},
+        {[&] { return dt.createZone(nullptr, ZL_RESULT_UNION)->getNumberOfTriangles() ? pAll : nullptr; },
+         ""},
+    };
+    for (const auto& test : aCase) {
+        CoutCapture capture;
+        EXPECT_EQ(test.bNull, test.call() == nullptr) << test.message;
+        const std::string text = capture.take();
+        EXPECT_NE(std::string::npos, text.find(test.message)) << text;
+        EXPECT_TRUE(*test.message != '\0' || text.empty()) << text;
+    }
+    CoutCapture capture;
+    EXPECT_THROW(dt.createZone(pRing, ZL_GROW), KelmException);
+    EXPECT_TRUE(capture.printed("zoneLoc=3\n"));
+    EXPECT_THROW(Zone2(&impl, ZL_BOUNDED, vBoth), KelmException);
+    Zone2(&impl, ZL_INSIDE, vNone);
+    EXPECT_TRUE(capture.printed("Zone2::Zone2(..), ERROR: vConstraintGraphs is empty"));
+    Zone2(&impl, ZL_OUTSIDE, vBoth);
+    EXPECT_TRUE(capture.printed("Zone2::Zone2(..), ERROR: One of the ConstraintGraphs is not oriented!"));
+    EXPECT_EQ(pRing, pRingZone->getConstraintGraph());
+}
+
+/// Takes away what has less than a given area, and keeps the book.
+struct SmallerThan : UserPredicateT {
+    explicit SmallerThan(double limit_) : limit(limit_) {}
+    bool operator()(const Triangle2* pT) override {
+        vAsked.push_back(pT);
+        return pT->getArea2D() < limit;
+    }
+    double limit;
+    std::vector<const Triangle2*> vAsked;
+};
+
+TEST(Zones, PeelingAsksInOrderFromOutside) {
+    for (unsigned seed = 1; seed <= 8; ++seed) {
+        Scene scene(seed);
+        for (const auto& pModel : scene.vModels) {
+            const Triangles vZone = trianglesOf(*pModel->pZone);
+            if (vZone.empty()) continue;
+            SmallerThan predicate(seed * 0.02), model(predicate.limit);
+            Zone2* pPeeled = peelOffIf(pModel->pZone, &predicate);
+            std::set<Triangle2*> sLeft(vZone.begin(), vZone.end());
+            for (Triangles vStack = vZone; !vStack.empty();) {
+                Triangle2* pT = vStack.back();
+                vStack.pop_back();
+                int numInside = 0;
+                for (int i = 0; i < 3; ++i)
+                    numInside += static_cast<int>(sLeft.count(pT->getOppositeTriangle(i)));
+                if (numInside == 3 || !model(pT) || sLeft.erase(pT) == 0) continue;
+                for (int i = 0; i < 3; ++i)
+                    if (sLeft.count(pT->getOppositeTriangle(i)) != 0)
+                        vStack.push_back(pT->getOppositeTriangle(i));
+            }
+            ASSERT_TRUE(predicate.vAsked == model.vAsked);
+            ASSERT_EQ(sLeft, pPeeled ? setOf(*pPeeled) : std::set<Triangle2*>());
+        }
+    }
+    Scene scene(9);
+    SmallerThan everything(1e9);
+    CoutCapture capture;
+    EXPECT_EQ(nullptr, peelOffIf(scene.any().pZone, &everything, true));
+    EXPECT_TRUE(capture.printed("\nZone2::peelOffIf(), original Zone:\n numT="));
+}
+
+// Islands with lakes, nested: what the ring of each island encloses has the area of the ring.
+TEST(Zones, NestedRingsEncloseTheirAreas) {
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> bend(0.7, 1.0);
+    Kelm_2D dt;
+    std::vector<ConstraintGraph2*> vRings;
+    std::vector<double> vAreas;
+    for (const double radius : {900.0, 600.0, 400.0, 250.0, 100.0}) {
+        std::vector<Point2> vCorners;
+        double area = 0.0;
+        for (int i = 0; i < 300; ++i) {
+            const double r = radius * bend(random), angle = i * 6.283185307179586 / 300;
+            vCorners.emplace_back(4e6 + r * std::cos(angle), 5e5 + r * std::sin(angle), 0);
+        }
+        for (const Segment2& side : ringOf(vCorners)) {
+            const double x0 = side.getSrc().x() - 4e6, x1 = side.getTrg().x() - 4e6;
+            area += (x0 * (side.getTrg().y() - 5e5) - x1 * (side.getSrc().y() - 5e5)) / 2;
+        }
+        vAreas.push_back(area);
+        vRings.push_back(dt.createConstraint(ringOf(vCorners), CIS_CONSTRAINED_DELAUNAY));
+    }
+    Zone2* pStripes = nullptr; // the first ring without the second, with the third, and so on
+    double stripes = 0.0;
+    for (std::size_t i = 0; i < vRings.size(); ++i) {
+        Zone2* pInside = dt.createZone(vRings[i], ZL_INSIDE);
+        EXPECT_NEAR(vAreas[i], pInside->getArea2D(), 1e-6 * vAreas[i]);
+        pStripes = i == 0 ? pInside : zoneSymmetricDifference(pStripes, pInside);
+        stripes = vAreas[i] - stripes;
+        const Zone2* pOutside = dt.createZone(vRings[i], ZL_OUTSIDE);
+        EXPECT_EQ(dt.numberOfTriangles(), pInside->getNumberOfTriangles() + pOutside->getNumberOfTriangles());
+    }
+    EXPECT_NEAR(vAreas[0] - vAreas[1] + vAreas[2] - vAreas[3] + vAreas[4], pStripes->getArea2D(),
+                1e-6 * vAreas[0]);
+    const Bbox2 box = pStripes->getBoundingBox(), ringBox = dt.computeBoundingBox();
+    EXPECT_EQ(ringBox.get_minX(), box.get_minX());
+    EXPECT_FALSE(zoneDifference(pStripes, pStripes)->getBoundingBox().isValid());
+    Zone2* pMany = pStripes; // chains of results are evaluated without recursion
+    for (int i = 0; i < 20000; ++i)
+        pMany = zoneUnion(dt.createZone(Triangles()), pMany);
+    EXPECT_EQ(pStripes->getNumberOfTriangles(), pMany->getNumberOfTriangles());
+}
+
+TEST(Zones, StatisticsAndFilesShowTheZone) {
+    Kelm_2D dt;
+    dt.insert({{0, 0, 0}, {4, 0, 0}, {2, 5, 0}, {2, -5, 5}}); // two triangles, 45 degrees over the x axis
+    Zone2 *pAll = dt.createZone(nullptr, ZL_GLOBAL), *pFirst = dt.createZone({dt.locate({2, 1, 0})});
+    CoutCapture capture;
+    pFirst->statistics("one");
+    EXPECT_TRUE(
+        capture.printed("\n\n\n********* ZONE STATISTICS (one) **********\n\nNumber of triangles: 1\n"));
+    pAll->analyzeAngles();
+    EXPECT_EQ("\nanalyzeAngles(): \nAverage angle=45\nAverage angle >10=45\nNumAngleGt10=2\n",
+              capture.take());
+    Kelm_2D single;
+    single.insert({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
+    single.createZone(nullptr, ZL_GLOBAL)->analyzeAngles();
+    EXPECT_TRUE(capture.printed("nan\nAverage angle >10="));
+
+    const ScratchDirectory scratch;
+    const auto countOf = [](const std::string& filename, const std::string& part) {
+        const std::string text = readFile(filename);
+        int n = 0;
+        for (std::size_t i = text.find(part); i != std::string::npos; i = text.find(part, i + 1))
+            ++n;
+        return n;
+    };
+    dt.writeObj("zone.obj", pFirst);
+    EXPECT_EQ(3, countOf("zone.obj", "v "));
+    EXPECT_EQ(1, countOf("zone.obj", "f 1 2 3"));
+    dt.writeWebScene("scene", pFirst);
+    EXPECT_EQ(readFile("zone.obj"), readFile("scene/3d.obj"));
+    pAll->showGeomview("zone.list", "0 1 1 1");
+    EXPECT_EQ(2, countOf("zone.list", " 0 1 1 1"));
+    pFirst->show("border.ps", false, true);
+    pFirst->show("full.ps", true, true);
+    pFirst->debug("");
+    const int numLines = countOf("border.ps", "lineto");
+    EXPECT_EQ(numLines + 2, countOf("full.ps", "lineto")); // of five edges instead of three
+    EXPECT_LT(0, countOf("debug.ps", "lineto"));
+}
+
+} // namespace
