@@ -50,8 +50,9 @@ public:
     }
     /// False if it was not there.
     bool erase(const T* p) noexcept {
-        if (!contains(p)) return false;
-        findPage(addressOf(p) >> pageBits)[wordOf(p)] &= ~bitOf(p);
+        Word* aWord = findPage(addressOf(p) >> pageBits);
+        if (aWord == nullptr || (aWord[wordOf(p)] & bitOf(p)) == 0) return false;
+        aWord[wordOf(p)] &= ~bitOf(p);
         --numElements;
         return true;
     }

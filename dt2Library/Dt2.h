@@ -304,7 +304,7 @@ private:
     std::vector<Point2*> CAT_addBoxCorners(Dt2& temporary, TriangleImport& import);
     bool CAT_createOuterTrianglesAndConnect(const Dt2& temporary, TriangleImport& import);
     void CAT_createOuterTriangle(TriangleImport& import, const std::uint32_t* aNumber);
-    bool CAT_isCounterclockwise(const std::vector<Point2>& vPoints);
+    std::pair<std::size_t, std::size_t> CAT_countNotCCW(const std::vector<Point2>& vPoints);
     bool CAT_checkClosed(const TriangleImport& import, bool bAllCCW) const;
     static void CAT_reportAdditionalVertex(const std::vector<Triangle2*>& vTriangles, const Point2& vertex,
                                            const Bbox2& frame);

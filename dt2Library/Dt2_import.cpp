@@ -163,7 +163,8 @@ Zone2* Dt2::CAT_importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNe
     temporary.createConstraint(vBorderSegments, CIS_CONSTRAINED_DELAUNAY, false);
     temporary.applyConstraintsAndZones();
     if (!CAT_createOuterTrianglesAndConnect(temporary, import)) return nullptr;
-    if (!CAT_checkClosed(import, bReorientIfNeeded || CAT_isCounterclockwise(vPoints))) return nullptr;
+    const auto [numCW, numCollinear] = CAT_countNotCCW(vPoints);
+    if (!CAT_checkClosed(import, numCW + numCollinear == 0)) return nullptr;
 
     setNotDelaunay();
     if (!bCreateExtendedBoundingBox) {
@@ -174,7 +175,14 @@ Zone2* Dt2::CAT_importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNe
     }
     vertexVault.sortIfNeeded(false);
     applyConstraintsAndZones();
-    mark.setSuccess();
+    if (numCW == 0) {
+        mark.setSuccess();
+    } else {
+        // Walks go in circles there. Collinear triangles do no harm.
+        const std::string text = "clockwise triangles: " + std::to_string(numCW);
+        printWarning("Dt2::CAT_importTriangles()",
+                     text + ", the triangulation can only be read, drawn and saved");
+    }
     return pZone;
 }
 
@@ -360,14 +368,16 @@ void Dt2::CAT_createOuterTriangle(TriangleImport& import, const std::uint32_t* a
 
 // --- the whole --------------------------------------------------------------------------------------------
 
-bool Dt2::CAT_isCounterclockwise(const std::vector<Point2>& vPoints) {
+/// How many triangles are clockwise, and how many are collinear.
+std::pair<std::size_t, std::size_t> Dt2::CAT_countNotCCW(const std::vector<Point2>& vPoints) {
+    std::pair<std::size_t, std::size_t> count(0, 0);
     for (std::size_t i = 0; i < vPoints.size(); i += 3) {
-        if (quorTest.getOrientation2Filtered(&vPoints[i], &vPoints[i + 1], &vPoints[i + 2]) !=
-            ORIENTATION2_CCW) {
-            return false;
-        }
+        const Orientation2 orientation =
+            quorTest.getOrientation2Filtered(&vPoints[i], &vPoints[i + 1], &vPoints[i + 2]);
+        count.first += orientation == ORIENTATION2_CW ? 1 : 0;
+        count.second += orientation == ORIENTATION2_COLLINEAR ? 1 : 0;
     }
-    return true;
+    return count;
 }
 
 /// Whether the triangles are a triangulation of the box. If not, an error tells so.

@@ -3,14 +3,23 @@
 
 #include "FloodBarrier.h"
 
-#include "AddressSet.h"
+#include "Dt2.h"
 #include "SegmentTable.h"
 #include "prefetch.h"
 
 #include <algorithm>
 #include <functional>
+#include <limits>
+#include <utility>
 
 namespace QUOR_KELM25D {
+
+namespace {
+
+constexpr std::size_t smallFlood = 4096;     // triangles
+constexpr std::size_t lookupsPerSearch = 10; // that many of an edge's segment cost as much as finding an edge
+
+} // namespace
 
 FloodBarrier::FloodBarrier(const SegmentTable& segmentTable_, std::vector<ConstraintGraph2*> vGraphs)
     : segmentTable(segmentTable_), sGraphs(std::move(vGraphs)) {
@@ -28,18 +37,48 @@ bool FloodBarrier::isOfGraphs(const Triangle2* pT, int i) const noexcept {
     });
 }
 
+/// The triangles that have an edge of the graphs; nothing, and false, if these have more edges than a flood
+/// over so many triangles would look up.
+bool FloodBarrier::findTrianglesAtEdges(std::size_t numTriangles, TriangleSet& sAtEdges) const {
+    std::vector<ConstraintSegment2*> vPieces;
+    for (const ConstraintGraph2* pGraph : sGraphs) {
+        std::vector<ConstraintSegment2*> vOfGraph;
+        pGraph->getChildConstraintSegments(vOfGraph);
+        vPieces.insert(vPieces.end(), vOfGraph.begin(), vOfGraph.end());
+        if (vPieces.size() > numTriangles / lookupsPerSearch) return false;
+    }
+    for (const ConstraintSegment2* pPiece : vPieces) {
+        const Edge2 edge = Dt2::findEdge(pPiece->getSrc(), pPiece->getTrg());
+        Triangle2 *pT0 = nullptr, *pT1 = nullptr;
+        int i0 = -1, i1 = -1;
+        if (edge.getTriangle() == nullptr) continue; // it waits
+        edge.getTriangles(pT0, pT1, i0, i1);
+        sAtEdges.insert(pT0);
+        if (pT1 != nullptr) sAtEdges.insert(pT1);
+    }
+    return true;
+}
+
 void FloodBarrier::flood(std::vector<Triangle2*>& vWorkspace, std::vector<Triangle2*>& vTriangles) const {
-    TriangleSet sVisited;
+    TriangleSet sVisited, sAtEdges;
     std::vector<Triangle2*> vReached; // in the order of reaching them: breadth first
     for (Triangle2* pSeed : vWorkspace) {
         if (sVisited.insert(pSeed)) vReached.push_back(pSeed);
     }
     vWorkspace.clear();
+    // A flood that has become large looks for all edges of the graphs at once, and then reads no vertices.
+    bool bAnywhere = !sGraphs.empty();
+    std::size_t nextSearch = bAnywhere ? smallFlood : std::numeric_limits<std::size_t>::max();
     for (std::size_t next = 0; next < vReached.size(); ++next) {
+        if (next == nextSearch && bAnywhere) {
+            bAnywhere = !findTrianglesAtEdges(next, sAtEdges);
+            nextSearch *= 2;
+        }
         const Triangle2* pT = vReached[next];
+        const bool bAtEdge = bAnywhere || sAtEdges.contains(pT);
         for (int i = 0; i < 3; ++i) {
             Triangle2* pN = pT->getOppositeTriangle(i);
-            if (pN == nullptr || stops(pT, i) || !sVisited.insert(pN)) continue;
+            if (pN == nullptr || (bAtEdge && stops(pT, i)) || !sVisited.insert(pN)) continue;
             prefetchRecord(pN); // its turn comes much later, and then it is there
             vReached.push_back(pN);
         }

@@ -2,6 +2,8 @@
 // Where it starts is decided by zones, see Zone2.cpp and Dt2_zones.cpp.
 #pragma once
 
+#include "AddressSet.h"
+
 #include <kelm25d/ConstraintGraph2.h>
 #include <kelm25d/Triangle2.h>
 
@@ -11,8 +13,8 @@ namespace QUOR_KELM25D {
 
 class SegmentTable;
 
-/// The alive constraint segments of some graphs. Nothing is collected: an edge of the mesh is looked up among
-/// all segments, and the few that are found know their graphs.
+/// The alive constraint segments of some graphs. An edge of the mesh is looked up among all segments, and the
+/// few that are found know their graphs.
 class FloodBarrier {
 public:
     /// Graphs may be null, and those are left out. The table outlives the barrier.
@@ -25,6 +27,7 @@ public:
 
 private:
     bool isOfGraphs(const Triangle2* pT, int i) const noexcept;
+    bool findTrianglesAtEdges(std::size_t numTriangles, TriangleSet& sAtEdges) const;
 
     const SegmentTable& segmentTable;
     std::vector<ConstraintGraph2*> sGraphs; // a set, as a sequence by address

@@ -96,21 +96,34 @@ std::vector<Point2*> ConnectedComponent::walkBorder() {
     return vOffRing;
 }
 
-bool ConnectedComponent::split(Parts& vPartsOut) {
+/// Collects the border. Both results are empty if that is one simple ring; vOffRing stays so as well if there
+/// are pinches.
+void ConnectedComponent::examineBorder(std::vector<Point2*>& vPinches, std::vector<Point2*>& vOffRing) {
     collectBorder();
-    std::vector<Point2*> vPinches;
     for (std::size_t i = 1; i < vBorderEdges.size(); ++i) {
         Point2* pSrc = vBorderEdges[i].pSrc;
         if (pSrc != vBorderEdges[i - 1].pSrc) continue;
         if (vPinches.empty() || vPinches.back() != pSrc) vPinches.push_back(pSrc);
     }
+    if (vPinches.empty()) vOffRing = walkBorder();
+}
+
+bool ConnectedComponent::isSimple() {
+    std::vector<Point2*> vPinches, vOffRing;
+    examineBorder(vPinches, vOffRing);
+    return vPinches.empty() && vOffRing.empty();
+}
+
+bool ConnectedComponent::split(Parts& vPartsOut) {
+    std::vector<Point2*> vPinches, vOffRing;
+    examineBorder(vPinches, vOffRing);
     if (!vPinches.empty()) {
         splitAtPinches(vPinches, vPartsOut);
-        return true;
+    } else if (!vOffRing.empty()) {
+        splitAtPivot(vOffRing, vPartsOut);
+    } else {
+        return false;
     }
-    std::vector<Point2*> vOffRing = walkBorder();
-    if (vOffRing.empty()) return false;
-    splitAtPivot(vOffRing, vPartsOut);
     return true;
 }
 
@@ -170,6 +183,12 @@ void ConnectedComponent::splitAtPinches(const std::vector<Point2*>& vPinches, Pa
 // --- all of them ------------------------------------------------------------------------------------------
 
 Partitioner::Partitioner(const std::vector<Triangle2*>& vTriangles) {
+    // Every component has a border. So if all of it is one ring there is one component: no search is needed.
+    ConnectedComponent whole(vTriangles, true);
+    if (whole.isSimple()) {
+        vComponents.push_back(std::move(whole));
+        return;
+    }
     const std::size_t orgSiz = vTriangles.size();
     Parts vParts;
     appendConnected(std::vector<Triangle2*>(vTriangles), true, vParts);

@@ -24,7 +24,9 @@ public:
     /// Divides the set unless its border is one simple ring. True: the parts, some of which may be empty and
     /// some in several pieces, have been appended, and the set is of no use any more. False: see getBorder.
     bool split(std::vector<std::vector<Triangle2*>>& vPartsOut);
-    /// The border in the order of a walk with the triangles on the left; once split has given false.
+    /// Only whether split would give false. To be called once, and split then no more.
+    bool isSimple();
+    /// The border in the order of a walk with the triangles on the left, if it is one simple ring.
     const std::vector<Edge2>& getBorder() const noexcept { return vOrderedBorder; }
     std::size_t size() const noexcept { return vComponentT.size(); }
 
@@ -35,6 +37,7 @@ private:
         Edge2 edge;
     };
 
+    void examineBorder(std::vector<Point2*>& vPinches, std::vector<Point2*>& vOffRing);
     void collectBorder();
     std::vector<Point2*> walkBorder();
     void splitAtPivot(std::vector<Point2*>& vOffRing, std::vector<std::vector<Triangle2*>>& vPartsOut);

@@ -185,7 +185,7 @@ TEST(Zones, RefusalsSayWhatIsWrong) {
     Zone2* pFlat = flat.createZone(pFlatLine, ZL_GROW, Point2(1, 1, 0));
     Kelm_2D other;
     other.insert({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
-    Zone2 *pOther = other.createZone(nullptr, ZL_GLOBAL);
+    Zone2* pOther = other.createZone(nullptr, ZL_GLOBAL);
     struct {
         std::function<const void*()> call;
         const char* message; // with the place

@@ -245,15 +245,16 @@ public:
     /// vertices only.
     /// @param vPoints three corners for each triangle, counterclockwise, in the frame of the points
     /// @param bReorientIfNeeded turn clockwise triples round, in vPoints itself. Without it nothing is looked
-    /// at: triples that are clockwise or collinear become such triangles, or make the import fail, and what
-    /// walks through such a mesh later may throw KelmException
+    /// at: triples that are clockwise or collinear become such triangles or make the import fail. With
+    /// clockwise ones a warning tells that the triangulation can only be read, drawn and saved from then on
     /// @param bCreateExtendedBoundingBox keep the corners of a box of twice the extent, heights 0, as
     /// vertices; otherwise the hull of the given points is the border
     /// @return a zone of the given triangles. Null, after messages, if the triangulation is not empty, for a
-    /// number of points that is no positive multiple of 3, a coordinate x or y that is not finite, a triple
-    /// with two equal corners or, with bReorientIfNeeded, collinear ones: nothing is changed then but
-    /// vPoints. Null, too, after messages and a drawing in the current directory, if the triangles overlap;
-    /// what was made by then stays, and can only be read, drawn and saved
+    /// number of points that is no positive multiple of 3, coordinates x or y that are not finite or too
+    /// large for the box and, without bReorientIfNeeded, a triple with two equal corners: nothing is changed
+    /// then. Null, too, after messages, for a collinear triple with bReorientIfNeeded and, with a drawing in
+    /// the current directory, if the triangles overlap: what was made by then stays and can only be read,
+    /// drawn and saved. Triangles that close without a border throw KelmException
     ///
     /// Close to linear in the number of triangles.
     Zone2* importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNeeded,

@@ -112,18 +112,23 @@ public:
     /// Makes valleys and ridges smoother by flips of edges: in up to three passes edges are turned where that
     /// lowers the angles between the triangles around, or where all stay well shaped and diagonals come to
     /// run one way. Constraints, vertices and heights stay; the mesh is no longer Delaunay afterwards.
-    /// Triangles next to the zone may change, too. Prints analyzeAngles before and after.
+    /// Triangles next to the zone may change, too. Edges with a height that is not a number beside them stay.
+    /// Prints analyzeAngles before and after. Angles at infinite heights, or at ones whose squares are, fail
+    /// a check, which throws KelmException and leaves the flips made by then.
     void slopeValleyRidgeOptimization();
     /// Turns diagonals of quadrilaterals whose corners all but lie on one circle, so that the one stays that
     /// is shorter in space, as it runs along a valley or ridge; where both have nearly the same length, so
-    /// that it rises to the right, in the plane. Only within the zone, and never a constraint.
+    /// that it rises to the right, in the plane. Only edges that are the longest of a triangle are looked at,
+    /// the longest first, only within the zone, and never a constraint. Cost: n log n.
     /// @param planarTolerance largest difference of the lengths of both diagonals in the plane,
-    /// relative to the larger; 0 or less demands exactly one circle, and the mesh stays Delaunay
+    /// relative to the larger; 0 or less demands exactly one circle, and the mesh stays Delaunay. If it is
+    /// not a number nothing is turned
     /// @param spatialThreshold difference of the lengths in space, relative to the larger, up to which they
-    /// count as the same
+    /// count as the same; they always do if it, or a length, is not a number (a length is then reported on
+    /// the error stream)
     void optimizeValleysAndRidges(double planarTolerance, double spatialThreshold);
     /// Turns diagonals of quadrilaterals whose corners all but lie on one circle so that they rise to the
-    /// right. Only edges that are the longest of a triangle are looked at. See optimizeValleysAndRidges.
+    /// right: those that fall or are vertical are turned, once. Otherwise as optimizeValleysAndRidges.
     void unifyGrid(double planarTolerance);
 
 protected:
