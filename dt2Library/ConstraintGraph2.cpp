@@ -189,9 +189,7 @@ void ConstraintGraph2::fillChildFlags(ConstraintSegment2* pParent) {
         for (ConstraintSegment2* pChild : pCSeg->aChild) {
             if (pChild == nullptr) break;
             if (pChild->findOwner(this)->bDirected) continue;
-            // A child that has the parent's lower end as its own, or the higher one, runs the same way.
-            const bool bSameWay = pChild->p0 == pCSeg->p0 || pChild->p1 == pCSeg->p1;
-            setReverse(pChild, bSameWay == isReverse(pCSeg));
+            setReverse(pChild, pCSeg->isParallelTo(pChild) == isReverse(pCSeg));
             if (pChild->aChild[0] != nullptr) vDivided.push_back(pChild);
         }
         if (vDivided.empty()) return;

@@ -37,9 +37,7 @@ bool isMeantForEnd(const Point2& end, const Point2& otherEnd, const Point2& p) {
 /// Whether c lies on the line through a and b, outside the segment: a constraint bent there would run back
 /// over itself.
 bool runsBack(const Point2& a, const Point2& b, const Point2& c) {
-    const bool bInBox = c.x() >= std::min(a.x(), b.x()) && c.x() <= std::max(a.x(), b.x()) &&
-                        c.y() >= std::min(a.y(), b.y()) && c.y() <= std::max(a.y(), b.y());
-    return !bInBox && std::isfinite(c.x()) && std::isfinite(c.y()) &&
+    return !isInBox(a, b, c) && std::isfinite(c.x()) && std::isfinite(c.y()) &&
            getOrientation2_mt(&a, &b, &c) == ORIENTATION2_COLLINEAR;
 }
 
@@ -149,10 +147,9 @@ bool ConstraintSegment2::divide(Point2* pSplit) {
     if (aChild[0]->sOwners.empty() && aChild[1]->sOwners.empty()) {
         // Two new pieces, as mostly: each owner runs along them as it does here.
         for (ConstraintSegment2* pChild : aChild) {
-            const bool bSameWay = pChild->p0 == p0 || pChild->p1 == p1;
             pChild->sOwners = sOwners;
             for (Owner& owner : pChild->sOwners) {
-                owner.bReverse = owner.bReverse == bSameWay;
+                owner.bReverse = owner.bReverse == isParallelTo(pChild);
             }
         }
         return true;

@@ -180,7 +180,7 @@ public:
     void CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints,
                            std::vector<ConstraintSegment2*>& vCSegsOut);
     /// Makes pA to pB a chain of constraint segments through vertices, which the result has in order.
-    void CUTT_insertConstraintSegments(Point2* pA, Point2* pB, std::vector<Point2*>& vSplitPoints,
+    void CUTT_insertConstraintSegments(Point2* pA, Point2* pB, const std::vector<Point2*>& vSplitPoints,
                                        std::vector<Point2*>& vSortedPoints);
 
     /// To be told when edges were flipped with no regard to circles: several threads rely on those.

@@ -440,16 +440,16 @@ void Dt2::CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithCo
     cut.getPieces(vCSegsOut);
 }
 
-void Dt2::CUTT_insertConstraintSegments(Point2* pA, Point2* pB, std::vector<Point2*>& vSplitPoints,
+void Dt2::CUTT_insertConstraintSegments(Point2* pA, Point2* pB, const std::vector<Point2*>& vSplitPoints,
                                         std::vector<Point2*>& vSortedPoints) {
     const bool bForward = std::less<Point2*>()(pA, pB);
     Point2 *pStart = bForward ? pA : pB, *pEnd = bForward ? pB : pA;
-    VertexSet(vSplitPoints).appendTo(vSortedPoints = {});
     std::vector<std::pair<double, Point2*>> vOrder;
-    for (Point2* pVtx : vSortedPoints) {
+    for (Point2* pVtx : vSplitPoints) {
         if (pVtx != pStart && pVtx != pEnd) vOrder.emplace_back(sqDistance2D(*pStart, *pVtx), pVtx);
     }
     std::sort(vOrder.begin(), vOrder.end());
+    vOrder.erase(std::unique(vOrder.begin(), vOrder.end()), vOrder.end());
     vSortedPoints = {pStart};
     for (const auto& entry : vOrder) {
         vSortedPoints.push_back(entry.second);

@@ -144,6 +144,9 @@ Point2 getIntersection25D(const Point2& c0, const Point2& c1, const Point2& s, c
 /// lengths stay: so no segment comes to contain itself, and divisions end whatever the rounding.
 bool isProgress(const Point2& a, const Point2& b, const Point2& c) noexcept;
 
+/// Whether c lies in the box of a and b, borders included.
+bool isInBox(const Point2& a, const Point2& b, const Point2& c) noexcept;
+
 /// Whether c, which is known to lie near the line of a and b, lies between them: a distance test in the
 /// plane, not a collinearity test.
 bool isOnSegment(const Point2& a, const Point2& b, const Point2& c) noexcept;

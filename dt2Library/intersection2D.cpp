@@ -70,11 +70,6 @@ Point2 intersectExactly(const Point2* const (&aEnd)[4]) {
     return Point2(x, y, 0.0);
 }
 
-bool isInBox(const Point2& a, const Point2& b, const Point2& c) noexcept {
-    return c.x() >= std::fmin(a.x(), b.x()) && c.x() <= std::fmax(a.x(), b.x()) &&
-           c.y() >= std::fmin(a.y(), b.y()) && c.y() <= std::fmax(a.y(), b.y());
-}
-
 /// Whether c is no farther from the line of a and b than the rounding of a crossing is.
 bool isAllButOnLine(const Point2& a, const Point2& b, const Point2& c) noexcept {
     const double dx = b.x() - a.x(), dy = b.y() - a.y();
@@ -84,6 +79,11 @@ bool isAllButOnLine(const Point2& a, const Point2& b, const Point2& c) noexcept 
 }
 
 } // namespace
+
+bool isInBox(const Point2& a, const Point2& b, const Point2& c) noexcept {
+    return c.x() >= std::fmin(a.x(), b.x()) && c.x() <= std::fmax(a.x(), b.x()) &&
+           c.y() >= std::fmin(a.y(), b.y()) && c.y() <= std::fmax(a.y(), b.y());
+}
 
 bool isProgress(const Point2& a, const Point2& b, const Point2& c) noexcept {
     if (isInBox(a, b, c)) return true;

@@ -1,5 +1,6 @@
 // Trees of divided segments and the groups that own them: directions, order, division, Delaunay edges.
-// How segments enter the mesh is in constraints_test.cpp, hard sets of them in constraint_stress_test.cpp.
+// How segments enter the mesh is in constraint_insertion_test.cpp, hard sets of them in
+// constraint_stress_test.cpp.
 #include "testing.h"
 
 #include <functional>
@@ -208,14 +209,13 @@ TEST(ConstraintGraph, RandomBentSegmentsKnowTheirOwnersAndBecomeDelaunayEdges) {
         Kelm_2D dt;
         std::vector<ConstraintGraph2*> vGraphs;
         std::map<ConstraintSegment2*, unsigned> mOwners;
-        Segments vAlive, vPieces;
+        Segments vPieces;
         bool bResult = false;
         CoutCapture output;
         for (int step = 0; step < 10; ++step) {
             const Point2 a = anywhere(), b = anywhere(), c = anywhere();
             vGraphs.push_back(dt.createConstraint({{a, b}, {b, c}}, CIS_CONSTRAINED_DELAUNAY, step % 2 == 0));
-            vAlive.clear();
-            dt.getAliveConstraintSegments(vAlive);
+            const Segments vAlive = aliveSegments(dt);
             vAlive.at(random() % vAlive.size())->insertAndSplit(anywhere());
             bResult = vGraphs[0]->makeDelaunay(minLength);
             ASSERT_VALID_MESH(dt);
@@ -226,9 +226,7 @@ TEST(ConstraintGraph, RandomBentSegmentsKnowTheirOwnersAndBecomeDelaunayEdges) {
             for (ConstraintSegment2* pCSeg : vPieces)
                 ++mOwners[pCSeg];
         }
-        vAlive.clear();
-        dt.getAliveConstraintSegments(vAlive);
-        for (ConstraintSegment2* pCSeg : vAlive)
+        for (ConstraintSegment2* pCSeg : aliveSegments(dt))
             ASSERT_EQ(mOwners[pCSeg], pCSeg->getNumberOfOwners()) << *pCSeg;
         const bool bRefused = output.printed("not divided");
         for (const ConstraintSegment2* pCSeg : vPieces) {

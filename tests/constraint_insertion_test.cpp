@@ -14,20 +14,8 @@ constexpr ConstraintInsertionStrategy aStrategy[] = {CIS_CONFORMING_SURFACE_HEIG
                                                      CIS_CONFORMING_LINEAR_HEIGHT};
 const std::vector<Point2> frame{{-100, -100, 0}, {100, -100, 0}, {100, 100, 0}, {-100, 100, 0}};
 
-std::size_t numAlive(const Kelm_2D& dt) {
-    std::vector<ConstraintSegment2*> v;
-    dt.getAliveConstraintSegments(v);
-    return v.size();
-}
-
-std::vector<Point2*> vertices(const Kelm_2D& dt) {
-    std::vector<Point2*> v;
-    dt.getVertexPointers(v);
-    return v;
-}
-
 Point2* vertexAt(const Kelm_2D& dt, const Point2& place) {
-    for (Point2* pVtx : vertices(dt))
+    for (Point2* pVtx : allVertices(dt))
         if (*pVtx == place) return pVtx;
     return nullptr;
 }
@@ -72,7 +60,8 @@ TEST(ConstraintInsertion, CrossingsTakeTheHeightOfTheFirstOrAnEndNearby) {
             dt.createConstraint(way < 2 ? v : std::vector<Segment2>{v[0]}, aStrategy[1], way % 2 == 0);
             if (way >= 2) dt.createConstraint({v[1]}, aStrategy[1], way % 2 == 0);
             ASSERT_EQ("", fault(dt, v));
-            EXPECT_TRUE(numAlive(dt) == c.numPieces && dt.numberOfPoints() == numBefore + c.numNew);
+            EXPECT_TRUE(aliveSegments(dt).size() == c.numPieces &&
+                        dt.numberOfPoints() == numBefore + c.numNew);
             const Point2* pMeeting = vertexAt(dt, c.meeting);
             ASSERT_NE(nullptr, pMeeting);
             EXPECT_TRUE(way < 2 || pMeeting->z() == c.meeting.z())
@@ -112,7 +101,7 @@ TEST(ConstraintInsertion, EveryStrategyMeetsEveryOtherAndHalvesWithItsHeight) {
         ASSERT_EQ("", fault(dt, v0));
         ASSERT_EQ("", fault(dt, v1));
         int numLow = 0; // the surface is flat away from the segment's own vertices
-        for (const Point2* pVtx : vertices(dt))
+        for (const Point2* pVtx : allVertices(dt))
             numLow += pVtx->y() == 0 && pVtx->z() < 69.999;
         EXPECT_EQ(aStrategy[i / 3] == CIS_CONFORMING_SURFACE_HEIGHT, numLow != 0);
         const unsigned numPoints = dt.numberOfPoints();
@@ -183,7 +172,7 @@ TEST(ConstraintInsertion, LaterPointsDivideConstraintsAndOnlyOthersCanBeRemovedA
             dt.insert(vPoints[i]);
         dt.insert(vPoints);
         ASSERT_EQ("", fault(dt, v));
-        std::vector<Point2*> vVertices = vertices(dt);
+        std::vector<Point2*> vVertices = allVertices(dt);
         std::shuffle(vVertices.begin(), vVertices.end(), random);
         const std::string refusal = "Dt2::remove(), WARNING: Illegal: Can't remove a constraint vertex\n";
         for (Point2* pVtx : vVertices) {
@@ -226,7 +215,7 @@ TEST(ConstraintInsertion, BadInputGivesItsMessageAndChangesNothing) {
         EXPECT_EQ(c.numSegments < 0, dt.createConstraint(c.v, cis, c.bOriented) == nullptr);
         const std::string printed = capture.take();
         EXPECT_TRUE(c.text.empty() ? printed.empty() : has(printed, c.text)) << printed;
-        EXPECT_EQ(std::max(0, c.numSegments), static_cast<int>(numAlive(dt))) << c.text;
+        EXPECT_EQ(std::max(0, c.numSegments), static_cast<int>(aliveSegments(dt).size())) << c.text;
         EXPECT_EQ(c.numSegments < 0, dt.numberOfPoints() == 4) << c.text;
         ASSERT_VALID_MESH(dt);
     }
@@ -334,10 +323,9 @@ TEST(ConstraintInsertion, SplitsThatLeaveTheMeshAloneAreMendedByApply) {
     dt.createConstraint({{{-8, 0, 0}, {8, 0, 0}}}, CIS_CONSTRAINED_DELAUNAY);
     Point2 outside(0, 4, 0); // no vertex
     CoutCapture capture;
-    std::vector<ConstraintSegment2*> vAlive;
-    dt.getAliveConstraintSegments(vAlive);
-    EXPECT_FALSE(vAlive[0]->split_combinatorialOnly(&outside));
-    EXPECT_TRUE(vAlive[0]->split_combinatorialOnly(pSplit));
+    ConstraintSegment2* pSegment = aliveSegments(dt)[0];
+    EXPECT_FALSE(pSegment->split_combinatorialOnly(&outside));
+    EXPECT_TRUE(pSegment->split_combinatorialOnly(pSplit));
     dt.applyConstraintsAndZones();
     EXPECT_TRUE(dt.checkValidity(true, "mended"));
     ASSERT_VALID_MESH(dt);

@@ -50,13 +50,9 @@ bool readEnds(const char* name, std::vector<Point2>& vEnds) {
 std::multiset<std::string> getContents(const Kelm_2D& dt) {
     const auto bytesOf = [](const Point2* p) { return toBytes(p->x(), p->y(), p->z()); };
     std::multiset<std::string> sContents;
-    std::vector<Point2*> vVertices;
-    dt.getVertexPointers(vVertices);
-    for (const Point2* pVtx : vVertices)
+    for (const Point2* pVtx : allVertices(dt))
         sContents.insert(bytesOf(pVtx));
-    std::vector<ConstraintSegment2*> vSegments;
-    dt.getAliveConstraintSegments(vSegments);
-    for (const ConstraintSegment2* pSegment : vSegments) {
+    for (const ConstraintSegment2* pSegment : aliveSegments(dt)) {
         const auto ends = std::minmax({bytesOf(pSegment->getSrc()), bytesOf(pSegment->getTrg())});
         sContents.insert(ends.first + ends.second);
     }

@@ -30,8 +30,7 @@ TEST(Flips, AreUndoneByLegalizingAndAllowedExactlyInConvexQuadrilaterals) {
         Kelm_2D dt;
         dt.insert(set.points);
         Dt2& impl = *dt.getImpl();
-        std::vector<Triangle2*> vTriangles;
-        dt.getTrianglePointers(vTriangles);
+        const std::vector<Triangle2*> vTriangles = allTriangles(dt);
         for (std::size_t k = 0; k < 3 * vTriangles.size(); ++k) {
             Triangle2* pT = vTriangles[k / 3];
             const int i = static_cast<int>(k % 3);
@@ -61,8 +60,7 @@ TEST(Walk, EndsAtTheRightPlaceEvenAfterManySteps) {
         SCOPED_TRACE(set.name);
         Kelm_2D dt;
         dt.insert(set.points);
-        std::vector<Triangle2*> vTriangles;
-        dt.getTrianglePointers(vTriangles);
+        const std::vector<Triangle2*> vTriangles = allTriangles(dt);
         for (int i = 0; i < 300; ++i) { // to vertices, on grid lines, outside and anywhere
             const double sx = i % 3 / 3.5, sy = i % 2 / 2.0; // shares of another place
             const Point2 a = pick(set.points), b = pick(set.points);

@@ -9,6 +9,9 @@ void insertInParallel(Kelm_2D& dt, int numCPU, const std::vector<Point2>& v, std
     dt.setNumCPU(numCPU);
     dt.getImpl()->setMinParallelInsertion(1000);
     dt.insert(v, vHandles);
+    ASSERT_VALID_MESH(dt);
+    for (std::size_t i = 0; i < v.size(); ++i)
+        ASSERT_EQ(v[i], *vHandles[i]);
 }
 
 } // namespace
@@ -18,28 +21,20 @@ TEST(ParallelInsertion, RepeatedOnesGrowTheMeshAndHullRemovalStillWorks) {
         Kelm_2D dt;
         std::vector<Point2*> vHandles;
         for (unsigned round = 0; round < 6; ++round) {
-            SCOPED_TRACE("CPUs: " + std::to_string(numCPU) + ", round " + std::to_string(round));
+            SCOPED_TRACE(testing::Message() << "CPUs: " << numCPU << ", round " << round);
             // Each round covers the one before and reaches further; every third point was there already.
             std::mt19937_64 random(round);
             std::uniform_real_distribution<double> uniform(-100.0 * (round + 1), 50.0 * (round + 1));
             std::vector<Point2> v;
-            for (int i = 0; i < 3000; ++i) {
-                if (i % 3 == 0 && !vHandles.empty()) {
-                    v.push_back(*vHandles[static_cast<std::size_t>(i)]);
-                } else {
-                    const double x = uniform(random), y = uniform(random);
-                    v.emplace_back(round % 2 == 0 ? x : std::floor(x), y, i);
-                }
+            for (unsigned i = 0; i < 3000; ++i) {
+                const double x = uniform(random), y = uniform(random);
+                const Point2 fresh(round % 2 == 0 ? x : std::floor(x), y, i);
+                v.push_back(i % 3 == 0 && round != 0 ? *vHandles[i] : fresh);
             }
             insertInParallel(dt, numCPU, v, vHandles);
-            ASSERT_VALID_MESH(dt);
-            for (std::size_t i = 0; i < v.size(); ++i) {
-                ASSERT_EQ(v[i], *vHandles[i]);
-            }
         }
-        for (int i = 0; i < 300; ++i) {
-            dt.remove(vHandles[static_cast<std::size_t>(9 * i + 1)]);
-        }
+        for (unsigned i = 0; i < 300; ++i)
+            dt.remove(vHandles[9 * i + 1]);
         ASSERT_VALID_MESH(dt);
     }
 }
@@ -47,14 +42,13 @@ TEST(ParallelInsertion, RepeatedOnesGrowTheMeshAndHullRemovalStillWorks) {
 TEST(ParallelInsertion, RandomShapesManyTimesOver) {
     // Small runs with many chunks in conflict: strips, blobs far apart, lines, all on shifting coordinates.
     for (unsigned seed = 0; seed < 40; ++seed) {
-        SCOPED_TRACE("seed " + std::to_string(seed));
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
         std::mt19937_64 random(seed);
         std::uniform_real_distribution<double> uniform(0.0, 1.0);
         const double width = std::pow(10.0, uniform(random) * 6 - 3), shift = (uniform(random) - 0.5) * 1e7;
-        const int numBlobs = 1 + static_cast<int>(seed % 7);
         std::vector<Point2> v;
-        for (int i = 0; i < 2500; ++i) {
-            const double blob = i % numBlobs * 50.0 * width;
+        for (unsigned i = 0; i < 2500; ++i) {
+            const double blob = i % (1 + seed % 7) * 50.0 * width;
             const double x = shift + blob + width * uniform(random), y = uniform(random);
             v.emplace_back(seed % 3 == 0 ? std::round(x) : x, seed % 5 == 0 ? std::round(y * 30) : y - shift,
                            0.0);
@@ -62,7 +56,6 @@ TEST(ParallelInsertion, RandomShapesManyTimesOver) {
         Kelm_2D dt;
         std::vector<Point2*> vHandles;
         insertInParallel(dt, 2 + static_cast<int>(seed % 4), v, vHandles);
-        ASSERT_VALID_MESH(dt);
     }
 }
 
@@ -70,19 +63,14 @@ TEST(ParallelInsertion, BoxOfAFewUnitsInTheLastPlaceLosesNoPoint) {
     // No frame fits around such a box between neighbouring doubles.
     for (double base : {1e16, 9007199254740992.0, 1.0, -1e16}) {
         const double step = std::nextafter(std::fabs(base), INFINITY) - std::fabs(base);
-        for (int width : {1, 2, 5, 40}) {
-            SCOPED_TRACE(std::to_string(base) + ", width " + std::to_string(width));
+        for (int side : {2, 3, 6, 41}) {
+            SCOPED_TRACE(testing::Message() << base << ", " << side << " doubles wide");
             std::vector<Point2> v;
-            for (int i = 0; i < 2000; ++i) {
-                v.emplace_back(base + i % (width + 1) * step, i / (width + 1) % (width + 1) * step + base, i);
-            }
+            for (int i = 0; i < 2000; ++i)
+                v.emplace_back(base + i % side * step, base + i / side % side * step, i);
             Kelm_2D dt;
             std::vector<Point2*> vHandles;
             insertInParallel(dt, 2, v, vHandles);
-            ASSERT_VALID_MESH(dt);
-            for (std::size_t i = 0; i < v.size(); ++i) {
-                ASSERT_EQ(v[i], *vHandles[i]);
-            }
         }
     }
 }

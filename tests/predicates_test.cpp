@@ -1,4 +1,4 @@
-// The geometric predicates against an evaluation by GMP, and the exact constructions.
+// The geometric predicates against an evaluation in rationals, and the exact constructions.
 // What the triangulation makes of them is tested in insertion_test.cpp.
 #include "exactSigns.h"
 #include "testing.h"
@@ -10,29 +10,9 @@ namespace {
 
 constexpr int numCases = 500000; // of an orientation and an in-circle test each
 
-// Exact: differences of doubles have at most 2098 bits, and at most four are multiplied.
-mpf_class difference(double a, double b) {
-    return mpf_class(a, 16384) - mpf_class(b, 16384);
-}
-
 // 1 counterclockwise or inside, 2 clockwise or outside, 0 between.
 int toResult(int sign) {
     return sign > 0 ? 1 : (sign < 0 ? 2 : 0);
-}
-
-int orientationByGmp(const Point2& a, const Point2& b, const Point2& c) {
-    return toResult(cmp(difference(b.x(), a.x()) * difference(c.y(), a.y()),
-                        difference(b.y(), a.y()) * difference(c.x(), a.x())));
-}
-
-int inCircleByGmp(const std::vector<Point2>& v) {
-    mpf_class det(0, 16384);
-    for (int i = 0, j = 1, k = 2; i < 3; j = k, k = i++) {
-        const mpf_class x = difference(v[i].x(), v[3].x()), y = difference(v[i].y(), v[3].y());
-        det += (x * x + y * y) * (difference(v[j].x(), v[3].x()) * difference(v[k].y(), v[3].y()) -
-                                  difference(v[k].x(), v[3].x()) * difference(v[j].y(), v[3].y()));
-    }
-    return toResult(sgn(det));
 }
 
 // Makes n points on one line or one circle but for rounding and the last bits: on a small grid, with
@@ -80,13 +60,13 @@ std::string failureOf(const Call& call) {
 
 } // namespace
 
-TEST(Predicates, NearDegenerateCasesAgreeWithGmp) {
+TEST(Predicates, NearDegenerateCasesAgreeWithRationals) {
     CaseMaker maker;
     for (int i = 0; i < numCases; ++i) {
         SCOPED_TRACE(i);
         std::vector<Point2> v = maker.next(4, i % 2 == 0);
         Point2 *a = &v[0], *b = &v[1], *c = &v[2], *q = &v[3];
-        const int orientation = orientationByGmp(*a, *b, *c);
+        const int orientation = toResult(exactOrientation(*a, *b, *c));
         QuorTest quorTest;
         quorTest.updateRange(a, b, c);
         ASSERT_EQ(orientation, getOrientation2(a, b, c));
@@ -103,7 +83,7 @@ TEST(Predicates, NearDegenerateCasesAgreeWithGmp) {
         if (orientation == 2) std::swap(*b, *c);
         Triangle2 t;
         t.setProperties(a, b, c);
-        const int expected = inCircleByGmp(v);
+        const int expected = toResult(exactInCircle(*a, *b, *c, *q));
         const std::set<double> sX{a->x(), b->x(), c->x(), q->x()}, sY{a->y(), b->y(), c->y(), q->y()};
         const bool bRectangle = sX.size() * sY.size() == 4 && *q != *a && *q != *b && *q != *c;
         ASSERT_EQ(expected, quorTest.circleIncFiltered(&t, q));

@@ -6,10 +6,12 @@
 namespace {
 
 struct Mesh : Kelm_2D {
-    explicit Mesh(const std::vector<Point2>& v) {
-        insert(v);
-        getTrianglePointers(vTriangles);
-        getVertexPointers(vVertices);
+    explicit Mesh(const std::vector<Point2>& v, bool bOneByOne = false) {
+        if (!bOneByOne) insert(v);
+        for (std::size_t i = 0; bOneByOne && i < v.size(); ++i)
+            insert(v[i]);
+        vTriangles = allTriangles(*this);
+        vVertices = allVertices(*this);
     }
     std::vector<Triangle2*> vTriangles;
     std::vector<Point2*> vVertices;
@@ -112,21 +114,37 @@ TEST(Neighbours, AgreeWithTheListOfTriangles) {
 }
 
 TEST(ConvexHull, GoesOnceAroundAllVerticesFromTheLowerLeft) {
-    for (const PointSet& set : makeAllKinds(150)) {
-        Mesh m(set.points);
+    std::vector<std::vector<Point2>> vSets = {
+        {{0, 0, 0}, {2, 2, 0}, {-1, -1, 0}, {0, 2, 0}}, // the box meets the hull
+        {{1e15, 1e15, 0}, {1e15 + 0.125, 1e15, 0}, {1e15, 1e15 + 0.125, 0}},
+        {{5e-324, 0, 0}, {0, 5e-324, 0}, {0, 0, 0}}, // and the ends of doubles
+        {{-1.7e308, -1.7e308, 0}, {1.7e308, -1.7e308, 0}, {0, 1.7e308, 0}}};
+    for (const PointSet& set : makeAllKinds(150))
+        vSets.push_back(set.points);
+    std::mt19937_64 random(8);
+    const auto digit = [&] { return static_cast<double>(random() % 9); };
+    for (int i = 0; i < 2000; ++i) { // often on the border of the doubled box of those before
+        vSets.emplace_back(6);
+        for (Point2& p : vSets.back())
+            p = Point2(digit(), digit(), 0);
+    }
+    for (const std::vector<Point2>& vPoints : vSets) {
+        SCOPED_TRACE(&vPoints - vSets.data());
+        Mesh m(vPoints, vPoints.size() < 150);
+        if (!m.is2D()) continue;
         Bbox2 box;
         for (const bool bAll : {true, false}) {
             std::vector<Point2*> v;
             m.getConvexHull(bAll, v);
-            ASSERT_EQ(std::set<Point2*>(v.begin(), v.end()).size(), v.size());
+            ASSERT_TRUE(std::set<Point2*>(v.begin(), v.end()).size() == v.size() && v.size() >= 3);
             box.add(v.begin(), v.end());
             for (std::size_t i = 0; i < v.size(); ++i) {
                 const Point2 &a = *v[i], &b = *v[(i + 1) % v.size()], &c = *v[(i + 2) % v.size()];
-                ASSERT_TRUE(bAll || exactOrientation(a, b, c) > 0) << set.name;
+                ASSERT_TRUE(bAll || exactOrientation(a, b, c) > 0);
                 for (const Point2* p : m.vVertices) {
                     const int side = exactOrientation(a, b, *p);
                     const bool bInEdge = side == 0 && std::min(a, b) < *p && *p < std::max(a, b);
-                    ASSERT_TRUE(side >= 0 && !(*p < *v[0]) && !(bAll && bInEdge)) << set.name << *p;
+                    ASSERT_TRUE(side >= 0 && !(*p < *v[0]) && !(bAll && bInEdge)) << *p;
                 }
             }
         }
@@ -136,37 +154,8 @@ TEST(ConvexHull, GoesOnceAroundAllVerticesFromTheLowerLeft) {
     CoutCapture capture;
     std::vector<Point2*> v(2);
     Kelm_2D().getConvexHull(true, v);
-    EXPECT_TRUE(v.size() == 2 &&
-                capture.take().find("Dt2::getConvexHull(), WARNING: is2D() is false, the triangulation is "
-                                    "not full dimensional yet") != std::string::npos);
-}
-
-TEST(ConvexHull, IsFoundWhereBoxAndHullMeetAndWhereDoublesEnd) {
-    std::vector<std::vector<Point2>> vSets = {
-        {{0, 0, 0}, {2, 2, 0}, {-1, -1, 0}, {0, 2, 0}},
-        {{1e15, 1e15, 0}, {1e15 + 0.125, 1e15, 0}, {1e15, 1e15 + 0.125, 0}},
-        {{5e-324, 0, 0}, {0, 5e-324, 0}, {0, 0, 0}},
-        {{-1.7e308, -1.7e308, 0}, {1.7e308, -1.7e308, 0}, {0, 1.7e308, 0}}};
-    std::mt19937_64 random(8);
-    for (int i = 0; i < 2000; ++i) { // often on the border of the doubled box of those before
-        vSets.emplace_back();
-        for (int k = 0; k < 6; ++k)
-            vSets.back().emplace_back(static_cast<double>(random() % 9), static_cast<double>(random() % 9),
-                                      0);
-    }
-    for (const std::vector<Point2>& vPoints : vSets) {
-        Kelm_2D dt;
-        for (const Point2& p : vPoints)
-            dt.insert(p);
-        if (!dt.is2D()) continue;
-        std::vector<Point2*> v;
-        dt.getConvexHull(false, v);
-        for (std::size_t i = 0; i < v.size(); ++i) {
-            for (const Point2& p : vPoints)
-                ASSERT_GE(exactOrientation(*v[i], *v[(i + 1) % v.size()], p), 0);
-        }
-        ASSERT_GE(v.size(), 3U);
-    }
+    EXPECT_TRUE(v.size() == 2 && capture.printed("Dt2::getConvexHull(), WARNING: is2D() is false, the "
+                                                 "triangulation is not full dimensional yet"));
 }
 
 TEST(Queries, SliversAlongARoundedLineKeepHeightsAndDrapedLinesInOrder) {
@@ -186,29 +175,26 @@ TEST(Queries, SliversAlongARoundedLineKeepHeightsAndDrapedLinesInOrder) {
         Mesh m(v);
         exact.setRange(1e3);
         std::vector<Segment2> vIn, vOut;
-        for (int i = 0; i < 60; ++i) {
+        for (unsigned i = 0; i < 60; ++i) {
             const double x = unit(random);
             const Point2 p(x, slope * x + shift, 0);
-            vIn.emplace_back(p, v[static_cast<std::size_t>(i) % v.size()]);
-            vIn.emplace_back(v[static_cast<std::size_t>(i) % v.size()], p);
+            vIn.insert(vIn.end(), {{p, v[i % v.size()]}, {v[i % v.size()], p}});
             const Triangle2* pT = m.locate(p);
             double z = 0.0;
             if (pT == nullptr) continue;
             ASSERT_TRUE(m.getHeight(p.x(), p.y(), z));
-            const auto corner = [&](int k) { return pT->getCorner(k); };
-            ASSERT_NEAR(exact.getHeightExact(corner(0), corner(1), corner(2), p.x(), p.y()), z, 1e-6);
+            const Point2 *a = pT->getCorner(0), *b = pT->getCorner(1), *c = pT->getCorner(2);
+            ASSERT_NEAR(exact.getHeightExact(a, b, c, p.x(), p.y()), z, 1e-6);
         }
-        for (const Segment2& segment : vIn) {
-            std::vector<Segment2> vOne{segment};
-            for (const double tolerance : {-1.0, 0.0}) {
-                vOut.clear();
-                m.drape(vOne, vOut, tolerance);
-                const Vector2 way = segment.getTrg() - segment.getSrc();
-                for (const Segment2& piece : vOut) {
-                    const Vector2 step = piece.getTrg() - piece.getSrc();
-                    const bool bAlongX = std::fabs(way.x()) >= std::fabs(way.y());
-                    ASSERT_GT(bAlongX ? step.x() * way.x() : step.y() * way.y(), 0.0) << segment;
-                }
+        for (std::size_t i = 0; i < 2 * vIn.size(); ++i) {
+            std::vector<Segment2> vOne{vIn[i / 2]};
+            vOut.clear();
+            m.drape(vOne, vOut, i % 2 == 0 ? -1.0 : 0.0);
+            const Vector2 way = vOne[0].getTrg() - vOne[0].getSrc();
+            for (const Segment2& piece : vOut) {
+                const Vector2 step = piece.getTrg() - piece.getSrc();
+                const bool bAlongX = std::fabs(way.x()) >= std::fabs(way.y());
+                ASSERT_GT(bAlongX ? step.x() * way.x() : step.y() * way.y(), 0.0) << vOne[0];
             }
         }
         m.drape(vIn, vIn, 0.5); // one sequence for both
@@ -218,15 +204,11 @@ TEST(Queries, SliversAlongARoundedLineKeepHeightsAndDrapedLinesInOrder) {
 
 TEST(Height, OutsideTheHullIsTheBorderAtTheNearestPlaceWithinTolerance) {
     Mesh m({{0, 0, 3}, {8, 0, 7}, {16, 16, 5}, {4, 12, 1}, {-8, 16, 0}, {0, 32, 9}});
-    // The place (x, y), the distance, and the height there; feet on edges and corners of the hull.
-    const double aCases[][4] = {{2, -5, 5, 4},
-                                {-3, -4, 5, 3},
-                                {9, -1, std::sqrt(2.0), 7},
-                                {14, 7, std::sqrt(5.0), 6},
-                                {19, 16, 3, 5},
-                                {-4, 3, std::sqrt(5.0), 2.25},
-                                {0, 36, 4, 9}};
-    for (const auto& [x, y, distance, expected] : aCases) {
+    // The place (x, y), the squared distance, and the height there; feet on edges and corners of the hull.
+    const double aCases[][4] = {{2, -5, 25, 4}, {-3, -4, 25, 3},  {9, -1, 2, 7}, {14, 7, 5, 6},
+                                {19, 16, 9, 5}, {-4, 3, 5, 2.25}, {0, 36, 16, 9}};
+    for (const auto& [x, y, squaredDistance, expected] : aCases) {
+        const double distance = std::sqrt(squaredDistance);
         double z = -7;
         EXPECT_FALSE(m.getHeight(x, y, z) || m.getHeight(x, y, z, nullptr, 0.999 * distance) || z != -7);
         EXPECT_TRUE(m.getHeight(x, y, z, nullptr, 1.001 * distance)) << x;

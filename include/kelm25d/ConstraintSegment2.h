@@ -107,6 +107,10 @@ private:
     void markDead() noexcept { bAlive = false; }
     void markAlive() noexcept { bAlive = true; }
     bool hasEnd(const Point2* pVtx) const noexcept { return p0 == pVtx || p1 == pVtx; }
+    /// Whether a child has its ends in the same order along this segment: the lower one at the lower one.
+    bool isParallelTo(const ConstraintSegment2* pChild) const noexcept {
+        return pChild->p0 == p0 || pChild->p1 == p1;
+    }
     Dt2* getDt2() const noexcept;
     bool divide(Point2* pSplit);
     bool isBelow(const ConstraintSegment2* pRoot) const;

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <functional>
 #include <gmpxx.h>
+#include <initializer_list>
 #include <iterator>
 #include <map>
 #include <sstream>
@@ -21,24 +21,20 @@ namespace testing_support {
 
 namespace {
 
-int next(int i) {
+/// The corner that follows counterclockwise, and the one before.
+constexpr int next(int i) {
     return (i + 1) % 3;
 }
-
-int prev(int i) {
+constexpr int prev(int i) {
     return (i + 2) % 3;
 }
 
-// Far above the rounding of either determinant relative to the sum of its terms' magnitudes.
-constexpr double generousBound = 1e-13;
-constexpr double smallestTrusted = 1e-200; // below, underflow may spoil the estimate
-
-std::string describe(const Triangle2* pT) {
+/// A triangle or a segment with all digits.
+template <class T>
+std::string describe(const T* p) {
     std::ostringstream text;
     text.precision(17);
-    for (int i = 0; i < 3; ++i) {
-        text << " (" << pT->getCorner(i)->x() << ", " << pT->getCorner(i)->y() << ")";
-    }
+    text << ' ' << *p;
     return text.str();
 }
 
@@ -50,21 +46,12 @@ VertexPair pairOf(const Point2* a, const Point2* b) {
     return std::less<const Point2*>()(a, b) ? VertexPair(a, b) : VertexPair(b, a);
 }
 
-struct HashOfPair {
-    std::size_t operator()(const VertexPair& pair) const {
-        const auto a = reinterpret_cast<std::uintptr_t>(pair.first);
-        const auto b = reinterpret_cast<std::uintptr_t>(pair.second);
-        return static_cast<std::size_t>((a * 0x9E3779B97F4A7C15u ^ b) * 0xC2B2AE3D27D4EB4Fu >> 7);
-    }
-};
-
-using SegmentMap = std::unordered_map<VertexPair, ConstraintSegment2*, HashOfPair>;
+using SegmentMap = std::map<VertexPair, ConstraintSegment2*>;
 
 SegmentMap mapByEnds(const Segments& vSegments) {
     SegmentMap mSegments;
-    for (ConstraintSegment2* pSegment : vSegments) {
+    for (ConstraintSegment2* pSegment : vSegments)
         mSegments.emplace(VertexPair(pSegment->getSrc(), pSegment->getTrg()), pSegment);
-    }
     return mSegments;
 }
 
@@ -83,9 +70,8 @@ std::string findConstraintVertexFault(const Kelm_2D& dt, const std::vector<Point
     Segments vAll;
     dt.getAliveAndDeadConstraintSegments(vAll);
     std::unordered_set<const Point2*> sEnds;
-    for (const ConstraintSegment2* pSegment : vAll) {
+    for (const ConstraintSegment2* pSegment : vAll)
         sEnds.insert({pSegment->getSrc(), pSegment->getTrg()});
-    }
     std::size_t numFound = 0;
     for (Point2* pVtx : vVertices) {
         const bool bEnd = sEnds.count(pVtx) != 0;
@@ -100,24 +86,20 @@ std::string findFaultBeforeTwoDimensional(const Kelm_2D& dt, std::vector<Point2*
     std::sort(vVertices.begin(), vVertices.end(), [](Point2* a, Point2* b) { return *a < *b; });
     for (std::size_t i = 0; i + 1 < vVertices.size(); ++i) {
         if (*vVertices[i] == *vVertices[i + 1]) return "two waiting vertices at one place";
-        if (exactOrientation(*vVertices.front(), *vVertices[i], *vVertices.back()) != 0) {
+        if (exactOrientation(*vVertices.front(), *vVertices[i], *vVertices.back()) != 0)
             return "waiting vertices that are not collinear";
-        }
     }
-    for (const Point2* pVtx : vVertices) {
+    for (const Point2* pVtx : vVertices)
         if (pVtx->getIncidentTriangle() != nullptr) return "a waiting vertex with a triangle";
-    }
     return "";
 }
 
 std::string findVertexFault(const std::vector<Point2*>& vVertices, const Mesh& vTriangles) {
     std::unordered_set<const Triangle2*> sTriangles(vTriangles.begin(), vTriangles.end());
     std::unordered_set<const Point2*> sUsed;
-    for (const Triangle2* pT : vTriangles) {
-        for (int i = 0; i < 3; ++i) {
+    for (const Triangle2* pT : vTriangles)
+        for (int i = 0; i < 3; ++i)
             sUsed.insert(pT->getCorner(i));
-        }
-    }
     if (sUsed.size() != vVertices.size()) return "vertices of the mesh and of the store differ in number";
     for (const Point2* pVtx : vVertices) {
         if (sUsed.count(pVtx) == 0) return "a vertex that no triangle has";
@@ -131,9 +113,7 @@ std::string findVertexFault(const std::vector<Point2*>& vVertices, const Mesh& v
 /// the next.
 std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles, bool bEmptyCircles,
                               std::unordered_map<const Point2*, const Point2*>& mHullNext) {
-    Segments vAlive;
-    dt.getAliveConstraintSegments(vAlive);
-    const SegmentMap mAlive = mapByEnds(vAlive);
+    const SegmentMap mAlive = mapByEnds(aliveSegments(dt));
     for (Triangle2* pT : vTriangles) {
         const Point2 &a = *pT->getCorner(0), &b = *pT->getCorner(1), &c = *pT->getCorner(2);
         if (exactOrientation(a, b, c) != 1) return "a triangle that is not counterclockwise:" + describe(pT);
@@ -141,23 +121,20 @@ std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles, bool bE
             Point2 *pSrc = pT->getCorner(next(i)), *pTrg = pT->getCorner(prev(i));
             const Triangle2* pN = pT->getOppositeTriangle(i);
             const ConstraintSegment2* pSegment = find(mAlive, pairOf(pSrc, pTrg));
-            if (dt.isConstraint(pT, i) != (pSegment != nullptr) || isLookupWrong(dt, pSrc, pTrg, pSegment)) {
+            if (dt.isConstraint(pT, i) != (pSegment != nullptr) || isLookupWrong(dt, pSrc, pTrg, pSegment))
                 return "a wrong answer whether an edge is a constraint:" + describe(pT);
-            }
             if (pN == nullptr) {
                 if (!mHullNext.emplace(pSrc, pTrg).second) return "a vertex with two hull edges going out";
                 continue;
             }
             int j = 0;
             while (j < 3 && !(pN->getOppositeTriangle(j) == pT && pN->getCorner(next(j)) == pTrg &&
-                              pN->getCorner(prev(j)) == pSrc)) {
+                              pN->getCorner(prev(j)) == pSrc))
                 ++j;
-            }
             if (j == 3) return "a neighbour that does not share the edge:" + describe(pT);
             if (bEmptyCircles && pSegment == nullptr && pT < pN &&
-                exactInCircle(a, b, c, *pN->getCorner(j)) > 0) {
+                exactInCircle(a, b, c, *pN->getCorner(j)) > 0)
                 return "a circle that is not empty:" + describe(pT) + " and" + describe(pN);
-            }
         }
     }
     return "";
@@ -165,34 +142,23 @@ std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles, bool bE
 
 std::string findHullFault(const std::unordered_map<const Point2*, const Point2*>& mHullNext) {
     if (mHullNext.size() < 3) return "a hull of fewer than three edges";
-    const Point2* pStart = mHullNext.begin()->first;
-    const Point2* pVtx = pStart;
-    std::size_t numEdges = 0;
+    const Point2 *pStart = mHullNext.begin()->first, *pVtx = pStart;
     // Locally convex and once around: a closed polygon with no clockwise turn whose edge directions turn just
     // once is convex; the directions' turns are counted where the edges pass from below to above.
     int numTurns = 0;
-    do {
+    for (std::size_t i = 0; i < mHullNext.size(); ++i) {
+        if (i > 0 && pVtx == pStart) return "a hull in several pieces";
         const auto itNext = mHullNext.find(pVtx);
-        if (itNext == mHullNext.end()) return "a hull that is not closed";
-        const auto itSecond = mHullNext.find(itNext->second);
+        const auto itSecond = itNext == mHullNext.end() ? itNext : mHullNext.find(itNext->second);
         if (itSecond == mHullNext.end()) return "a hull that is not closed";
         const Point2 &a = *pVtx, &b = *itNext->second, &c = *itSecond->second;
         if (exactOrientation(a, b, c) < 0) return "a hull that is not convex";
-        if (b < a && b < c) ++numTurns;
-        pVtx = itNext->second;
-        if (++numEdges > mHullNext.size()) return "a hull that does not close";
-    } while (pVtx != pStart);
-    if (numEdges != mHullNext.size()) return "a hull in several pieces";
+        numTurns += b < a && b < c;
+        pVtx = &b;
+    }
+    if (pVtx != pStart) return "a hull that does not close";
     if (numTurns != 1) return "a hull that winds more than once";
     return "";
-}
-
-std::string describe(const ConstraintSegment2* pSegment) {
-    std::ostringstream text;
-    text.precision(17);
-    text << " (" << pSegment->getSrc()->x() << ", " << pSegment->getSrc()->y() << ") - ("
-         << pSegment->getTrg()->x() << ", " << pSegment->getTrg()->y() << ")";
-    return text.str();
 }
 
 bool joins(const ConstraintSegment2* pSegment, const Point2* a, const Point2* b) {
@@ -219,41 +185,32 @@ std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const Segm
         Point2 *p0 = pSegment->getSrc(), *p1 = pSegment->getTrg();
         if (!std::less<const Point2*>()(p0, p1)) return "ends out of order:" + describe(pSegment);
         if (pSegment->getNumberOfOwners() == 0) return "a segment without owner:" + describe(pSegment);
-        if (isLookupWrong(dt, p0, p1, pSegment->isAlive() ? pSegment : nullptr)) {
+        if (isLookupWrong(dt, p0, p1, pSegment->isAlive() ? pSegment : nullptr))
             return "a wrong answer about a segment:" + describe(pSegment);
-        }
         if (pSegment->isAlive()) continue;
         ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
         Point2* pSplit = nullptr;
         pSegment->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
         if (pKid0 == nullptr || pKid1 == nullptr || pSplit == nullptr || pSplit == p0 || pSplit == p1 ||
             !((joins(pKid0, p0, pSplit) && joins(pKid1, pSplit, p1)) ||
-              (joins(pKid1, p0, pSplit) && joins(pKid0, pSplit, p1)))) {
+              (joins(pKid1, p0, pSplit) && joins(pKid0, pSplit, p1))))
             return "a dead segment without two children that join its ends:" + describe(pSegment);
-        }
         if (find(mAll, {pKid0->getSrc(), pKid0->getTrg()}) != pKid0 ||
-            find(mAll, {pKid1->getSrc(), pKid1->getTrg()}) != pKid1) {
+            find(mAll, {pKid1->getSrc(), pKid1->getTrg()}) != pKid1)
             return "a child that is not listed:" + describe(pSegment);
-        }
     }
     return "";
 }
 
 std::string findEdgeFault(const Kelm_2D& dt, const Segments& vAlive) {
-    Mesh vTriangles;
-    dt.getTrianglePointers(vTriangles);
-    std::unordered_set<VertexPair, HashOfPair> sEdges;
-    sEdges.reserve(3 * vTriangles.size());
-    for (const Triangle2* pT : vTriangles) {
-        for (int i = 0; i < 3; ++i) {
-            sEdges.insert(pairOf(pT->getCorner(i), pT->getCorner(next(i))));
-        }
-    }
-    for (const ConstraintSegment2* pSegment : vAlive) {
-        if (sEdges.count({pSegment->getSrc(), pSegment->getTrg()}) == 0) {
+    std::vector<VertexPair> vEdges;
+    for (const Triangle2* pT : allTriangles(dt))
+        for (int i = 0; i < 3; ++i)
+            vEdges.push_back(pairOf(pT->getCorner(i), pT->getCorner(next(i))));
+    std::sort(vEdges.begin(), vEdges.end());
+    for (const ConstraintSegment2* pSegment : vAlive)
+        if (!std::binary_search(vEdges.begin(), vEdges.end(), pairOf(pSegment->getSrc(), pSegment->getTrg())))
             return "an alive segment that is no edge:" + describe(pSegment);
-        }
-    }
     return "";
 }
 
@@ -291,9 +248,8 @@ bool walk(const Step& root, std::size_t numSegments, std::vector<Step>& vSteps) 
 std::string findOrderFault(const ConstraintGraph2& graph, const std::vector<Step>& vOriginals,
                            std::size_t numSegments) {
     std::vector<Step> vSteps;
-    for (const Step& step : vOriginals) {
+    for (const Step& step : vOriginals)
         walk(step, numSegments, vSteps);
-    }
     std::unordered_map<ConstraintSegment2*, const Point2*> mStart;
     Segments vExpected, vOrdered;
     std::vector<const Point2*> vExpectedVertices;
@@ -304,23 +260,20 @@ std::string findOrderFault(const ConstraintGraph2& graph, const std::vector<Step
         vExpectedVertices.insert(vExpectedVertices.end(), {step.second, otherEnd(step)});
     }
     for (const Step& step : vSteps) {
-        if (graph.isReverse(step.first) != (step.second == step.first->getTrg())) {
+        if (graph.isReverse(step.first) != (step.second == step.first->getTrg()))
             return "a wrong direction:" + describe(step.first);
-        }
         ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
         graph.getDirectChildren(step.first, pKid0, pKid1);
         if ((pKid0 == nullptr) != step.first->isAlive() ||
-            (pKid0 != nullptr && pKid0->getSrc() != step.second && pKid0->getTrg() != step.second)) {
+            (pKid0 != nullptr && pKid0->getSrc() != step.second && pKid0->getTrg() != step.second))
             return "children out of order:" + describe(step.first);
-        }
     }
     graph.getChildrenInOrder(vOrdered);
     if (vOrdered != vExpected) return "pieces out of order";
     std::vector<Point2*> vVertices;
     graph.getPolygonVertices(vVertices);
-    if (!std::equal(vVertices.begin(), vVertices.end(), vExpectedVertices.begin(), vExpectedVertices.end())) {
+    if (!std::equal(vVertices.begin(), vVertices.end(), vExpectedVertices.begin(), vExpectedVertices.end()))
         return "polygon vertices out of order";
-    }
     return "";
 }
 
@@ -344,9 +297,8 @@ std::string findGraphFault(const ConstraintGraph2& graph, const std::vector<Step
         if (!step.first->isAlive()) continue;
         vExpected.push_back(step.first);
         if (!graph.isConstraint(step.first) ||
-            !graph.isConstraint(step.first->getTrg(), step.first->getSrc())) {
+            !graph.isConstraint(step.first->getTrg(), step.first->getSrc()))
             return "a piece that its graph does not know:" + describe(step.first);
-        }
     }
     graph.getChildConstraintSegments(vPieces);
     if (vPieces != sorted(vExpected)) return "a graph with other pieces";
@@ -363,33 +315,55 @@ std::string findGraphFault(const ConstraintGraph2& graph, const std::vector<Step
             vRing.empty() && vOriginals.size() > 1 &&
             (vOriginals[1]->getSrc() == pSegment->getTrg() || vOriginals[1]->getTrg() == pSegment->getTrg());
         vRing.push_back({pSegment, bSrcBefore || bSrcAfter ? pSegment->getSrc() : pSegment->getTrg()});
-        if (graph.isPolygon() && vRing.size() > 1 &&
-            otherEnd(vRing[vRing.size() - 2]) != vRing.back().second) {
+        if (graph.isPolygon() && vRing.size() > 1 && otherEnd(vRing[vRing.size() - 2]) != vRing.back().second)
             return "a polygon that is no ring";
-        }
     }
     const std::string fault = findOrderFault(graph, vPlain, numSegments);
     return fault.empty() || !graph.isPolygon() ? fault : findOrderFault(graph, vRing, numSegments);
 }
 
+/// The sign of a determinant is safe: its rounding stays far below the bound, relative to the sum of its
+/// terms' magnitudes, and neither overflow nor underflow has spoilt it.
+bool isTrusted(double det, double permanent) {
+    const double bound = permanent * 1e-13;
+    return bound > 1e-200 && std::isfinite(bound) && std::fabs(det) > bound;
+}
+
 /// All coordinates are integers so small that the determinant is exact in doubles.
-bool isExactInDoubles(const Point2& a, const Point2& b, const Point2& c, const Point2& d, double permanent) {
-    const auto isInteger = [](double v) { return v == std::trunc(v) && std::fabs(v) < 0x1p50; };
-    const auto isLattice = [&](const Point2& p) { return isInteger(p.x()) && isInteger(p.y()); };
-    return permanent < 0x1p52 && isLattice(a) && isLattice(b) && isLattice(c) && isLattice(d);
+bool isExactInDoubles(std::initializer_list<const Point2*> v, double permanent) {
+    const auto isInteger = [](double x) { return x == std::trunc(x) && std::fabs(x) < 0x1p50; };
+    return permanent < 0x1p52 && std::all_of(v.begin(), v.end(), [&](const Point2* p) {
+               return isInteger(p->x()) && isInteger(p->y());
+           });
 }
 
 } // namespace
 
+std::vector<Triangle2*> allTriangles(const Kelm_2D& dt) {
+    Mesh v;
+    dt.getTrianglePointers(v);
+    return v;
+}
+
+std::vector<Point2*> allVertices(const Kelm_2D& dt) {
+    std::vector<Point2*> v;
+    dt.getVertexPointers(v);
+    return v;
+}
+
+std::vector<ConstraintSegment2*> aliveSegments(const Kelm_2D& dt) {
+    Segments v;
+    dt.getAliveConstraintSegments(v);
+    return v;
+}
+
 int exactOrientation(const Point2& a, const Point2& b, const Point2& c) {
     const double t1 = (a.x() - c.x()) * (b.y() - c.y()), t2 = (a.y() - c.y()) * (b.x() - c.x());
-    const double bound = (std::fabs(t1) + std::fabs(t2)) * generousBound;
-    if (bound > smallestTrusted && std::isfinite(bound) && std::fabs(t1 - t2) > bound)
-        return t1 > t2 ? 1 : -1;
+    if (isTrusted(t1 - t2, std::fabs(t1) + std::fabs(t2))) return t1 > t2 ? 1 : -1;
     const mpq_class cx = c.x(), cy = c.y();
     const mpq_class exact1 = (mpq_class(a.x()) - cx) * (mpq_class(b.y()) - cy);
     const mpq_class exact2 = (mpq_class(a.y()) - cy) * (mpq_class(b.x()) - cx);
-    return exact1 > exact2 ? 1 : (exact1 < exact2 ? -1 : 0);
+    return (exact1 > exact2) - (exact1 < exact2);
 }
 
 int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point2& d) {
@@ -402,9 +376,8 @@ int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point
         det += (x * x + y * y) * (x1 * y2 - x2 * y1);
         permanent += (x * x + y * y) * (std::fabs(x1 * y2) + std::fabs(x2 * y1));
     }
-    const double bound = permanent * generousBound;
-    if (bound > smallestTrusted && std::isfinite(bound) && std::fabs(det) > bound) return det > 0 ? 1 : -1;
-    if (isExactInDoubles(a, b, c, d, permanent)) return (det > 0) - (det < 0);
+    if (isTrusted(det, permanent) || isExactInDoubles({&a, &b, &c, &d}, permanent))
+        return (det > 0) - (det < 0);
     mpq_class x[3], y[3], lift[3];
     for (int i = 0; i < 3; ++i) {
         x[i] = mpq_class(aCorner[i]->x()) - mpq_class(d.x());
@@ -412,17 +385,14 @@ int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point
         lift[i] = x[i] * x[i] + y[i] * y[i];
     }
     mpq_class sum = 0;
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         sum += lift[i] * (x[next(i)] * y[prev(i)] - x[prev(i)] * y[next(i)]);
-    }
     return sgn(sum);
 }
 
 std::string findMeshFault(const Kelm_2D& dt, bool bEmptyCircles) {
-    std::vector<Point2*> vVertices;
-    Mesh vTriangles;
-    dt.getVertexPointers(vVertices);
-    dt.getTrianglePointers(vTriangles);
+    std::vector<Point2*> vVertices = allVertices(dt);
+    const Mesh vTriangles = allTriangles(dt);
     if (vVertices.size() != dt.numberOfPoints()) return "numberOfPoints is wrong";
     if (vTriangles.size() != dt.numberOfTriangles()) return "numberOfTriangles is wrong";
     std::string fault = findConstraintVertexFault(dt, vVertices);
@@ -439,13 +409,12 @@ std::string findMeshFault(const Kelm_2D& dt, bool bEmptyCircles) {
 
 std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& vSegments,
                                 const ConstraintGraph2* pGraph, bool bMayWait) {
-    Segments vAll, vAlive, vExpected;
+    const Segments vAlive = aliveSegments(dt);
+    Segments vAll, vExpected;
     dt.getAliveAndDeadConstraintSegments(vAll);
-    dt.getAliveConstraintSegments(vAlive);
     const auto isNotBefore = [](const auto* a, const auto* b) { return !(*a < *b); };
-    if (std::adjacent_find(vAll.begin(), vAll.end(), isNotBefore) != vAll.end()) {
+    if (std::adjacent_find(vAll.begin(), vAll.end(), isNotBefore) != vAll.end())
         return "segments out of order or twice";
-    }
     std::copy_if(vAll.begin(), vAll.end(), std::back_inserter(vExpected),
                  [](const ConstraintSegment2* pSegment) { return pSegment->isAlive(); });
     if (vAlive != vExpected) return "the alive segments are not those of all that are alive";
@@ -454,16 +423,9 @@ std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& 
     if (fault.empty() && !bMayWait && dt.is2D()) fault = findEdgeFault(dt, vAlive);
     if (!fault.empty()) return fault;
 
-    std::vector<Point2*> vVertices;
-    dt.getVertexPointers(vVertices);
-    std::map<Point2, Point2*> mPlaces;
-    for (const Segment2& segment : vSegments) {
-        mPlaces.insert({{segment.getSrc(), nullptr}, {segment.getTrg(), nullptr}});
-    }
-    for (Point2* pVtx : vVertices) {
-        const auto it = mPlaces.find(*pVtx);
-        if (it != mPlaces.end()) it->second = pVtx;
-    }
+    std::map<Point2, const Point2*> mPlaces;
+    for (const Point2* pVtx : allVertices(dt))
+        mPlaces[*pVtx] = pVtx;
     std::vector<Step> vInput, vSteps;
     for (const Segment2& segment : vSegments) {
         if (segment.getSrc() == segment.getTrg()) continue;
@@ -479,9 +441,8 @@ std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& 
             Point2* pSplit = nullptr;
             if (step.first->isAlive()) continue;
             step.first->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
-            if (!isNear(*pSplit, *step.second, *otherEnd(step))) {
+            if (!isNear(*pSplit, *step.second, *otherEnd(step)))
                 return "a split far from the segment:" + describe(step.first);
-            }
         }
     }
     return pGraph == nullptr ? "" : findGraphFault(*pGraph, vInput, vAll.size());

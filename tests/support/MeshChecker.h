@@ -12,6 +12,11 @@
 namespace QUOR_KELM25D {
 namespace testing_support {
 
+/// What a triangulation consists of.
+std::vector<Triangle2*> allTriangles(const Kelm_2D& dt);
+std::vector<Point2*> allVertices(const Kelm_2D& dt);
+std::vector<ConstraintSegment2*> aliveSegments(const Kelm_2D& dt);
+
 /// Signs from rationals alone, written independently of the library's predicates: 1, 0, -1.
 int exactOrientation(const Point2& a, const Point2& b, const Point2& c);
 /// 1 if d is inside the circle through the counterclockwise a, b, c, -1 if outside.

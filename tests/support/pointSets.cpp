@@ -88,10 +88,8 @@ std::size_t countPlaces(const std::vector<Point2>& v) {
 }
 
 std::set<Places> triangleSet(const Kelm_2D& dt) {
-    std::vector<Triangle2*> vTriangles;
-    dt.getTrianglePointers(vTriangles);
     std::set<Places> sTriangles;
-    for (const Triangle2* pT : vTriangles) {
+    for (const Triangle2* pT : allTriangles(dt)) {
         const Point2 &a = *pT->getCorner(0), &b = *pT->getCorner(1), &c = *pT->getCorner(2);
         sTriangles.insert(Places{{a.x(), a.y()}, {b.x(), b.y()}, {c.x(), c.y()}});
     }
@@ -99,14 +97,10 @@ std::set<Places> triangleSet(const Kelm_2D& dt) {
 }
 
 std::vector<Point2*> hullVertices(const Kelm_2D& dt) {
-    std::vector<Triangle2*> vTriangles;
-    dt.getTrianglePointers(vTriangles);
     std::vector<Point2*> vHull;
-    for (const Triangle2* pT : vTriangles) {
-        for (int i = 0; i < 3; ++i) {
+    for (const Triangle2* pT : allTriangles(dt))
+        for (int i = 0; i < 3; ++i)
             if (pT->getOppositeTriangle(i) == nullptr) vHull.push_back(pT->getCorner(incIndexBy1(i)));
-        }
-    }
     return vHull;
 }
 

@@ -14,7 +14,6 @@ namespace QUOR_KELM25D {
 namespace testing_support {
 
 struct SegmentSet {
-    std::string name;
     std::vector<Point2> points;                 // vertices besides the ends
     std::vector<std::vector<Segment2>> batches; // each for one createConstraint call
     ConstraintInsertionStrategy strategy = CIS_CONSTRAINED_DELAUNAY;
