@@ -43,7 +43,7 @@ Dt2::~Dt2() {
 bool Dt2::isBroken(const char* where) const {
     if (bImportFailed) {
         printError(where,
-                   "an import into this triangulation has failed, it can only be read, drawn and saved");
+                   "the triangles imported are no triangulation, they can only be read, drawn and saved");
     }
     return bImportFailed;
 }

@@ -24,6 +24,8 @@
 #include <kelm25d/TriangleAroundVertexIterator.h>
 #include <kelm25d/ZoneLocation.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <mutex>
 #include <set>
@@ -57,6 +59,8 @@ public:
     /// After an import that failed, with an error line: the triangles are no triangulation, and nothing that
     /// would walk through them or change them may be done.
     bool isBroken(const char* where) const;
+    /// To be told when triangles were made with no regard to circles: several threads rely on those.
+    void setNotDelaunay() noexcept { bMayBeDelaunay = false; }
     bool is2D() const noexcept { return vertexVault.isFullDimensional(); }
     unsigned numberOfPoints() const noexcept { return static_cast<unsigned>(vertexVault.numberOfPoints()); }
     unsigned numberOfTriangles() const;
@@ -138,16 +142,16 @@ public:
     void getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull);
     bool getHeight(double x, double y, double& height, Triangle2* pApproxT, double tolerance);
 
-    // --- Dt2_drape.cpp ------------------------------------------------------------------------------------
+    // --- Dt2_drape.cpp: lines over the surface -------------------------------------------------------------
 
     bool drape(const std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, double zTolerance);
 
-    // --- Dt2_validity.cpp ---------------------------------------------------------------------------------
+    // --- Dt2_validity.cpp: the check of the whole ----------------------------------------------------------
 
     bool checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg);
     void statistics(const std::string& s) const;
 
-    // --- Dt2_zones.cpp ------------------------------------------------------------------------------------
+    // --- Dt2_zones.cpp: sets of triangles ------------------------------------------------------------------
 
     /// The forms of Kelm_2D. All zones belong to this triangulation.
     Zone2* createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc);
@@ -164,17 +168,19 @@ public:
     /// by address.
     void growZoneArea(const std::vector<ConstraintGraph2*>& vConstraintGraphs, const Point2& point,
                       std::vector<Triangle2*>& vTriangles);
+    /// The triangle at a point, of several that meet there always the same; null outside the hull.
+    Triangle2* getStartTriangle(const Point2& point);
     /// Any triangle; null before is2D().
     Triangle2* getOneTriangle() const noexcept { return vertexVault.getOneValidTriangle(); }
     const SegmentTable& getSegmentTable() const noexcept { return segmentTable; }
 
-    // --- Dt2_import.cpp -----------------------------------------------------------------------------------
+    // --- Dt2_import.cpp: a given mesh ----------------------------------------------------------------------
 
     /// Makes given triangles, three points each, the mesh, and fills everything around them.
     Zone2* CAT_importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNeeded,
                                bool bCreateExtendedBoundingBox);
 
-    // --- Dt2_cutting.cpp ----------------------------------------------------------------------------------
+    // --- Dt2_cutting.cpp: knives ---------------------------------------------------------------------------
 
     /// Cuts the triangles along segments; the pieces of each are appended to vCSegsOut.
     void CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints,
@@ -182,9 +188,6 @@ public:
     /// Makes pA to pB a chain of constraint segments through vertices, which the result has in order.
     void CUTT_insertConstraintSegments(Point2* pA, Point2* pB, const std::vector<Point2*>& vSplitPoints,
                                        std::vector<Point2*>& vSortedPoints);
-
-    /// To be told when edges were flipped with no regard to circles: several threads rely on those.
-    void setNotDelaunay() noexcept { bMayBeDelaunay = false; }
 
     // --- Dt2_output.cpp, Dt2_drawing.cpp, Dt2_geomview.cpp, Dt2_files.cpp: files ---------------------------
 
@@ -229,10 +232,6 @@ private:
     bool needsFrame(std::size_t n) const noexcept;
     bool createFakeBox();
     void removeFakeBox();
-
-    // --- Dt2_output.cpp -----------------------------------------------------------------------------------
-
-    bool canBeShown() const;
 
     // --- Dt2_location.cpp ---------------------------------------------------------------------------------
 
@@ -283,6 +282,16 @@ private:
     void dissolveFan(Point2* pVtx);
     void repairDelaunay(std::vector<Triangle2*>& vPass);
 
+    // --- Dt2_queries.cpp ----------------------------------------------------------------------------------
+
+    void getHullEdges(std::vector<Edge2>& vEdges);
+    double heightInTriangle(const Triangle2& t, double x, double y);
+    bool getHeightNearHull(const Point2& query, double& height, double tolerance);
+
+    // --- Dt2_validity.cpp ---------------------------------------------------------------------------------
+
+    bool checkConstraints(const std::string& msg) const;
+
     // --- Dt2_zones.cpp ------------------------------------------------------------------------------------
 
     Zone2* keep(Zone2* pZone);
@@ -311,15 +320,9 @@ private:
     static void CAT_reportOpenEdges(const std::vector<Triangle2*>& vTriangles,
                                     const std::vector<Segment2>& vSuspects);
 
-    // --- Dt2_validity.cpp ---------------------------------------------------------------------------------
+    // --- Dt2_output.cpp -----------------------------------------------------------------------------------
 
-    bool checkConstraints(const std::string& msg) const;
-
-    // --- Dt2_queries.cpp ----------------------------------------------------------------------------------
-
-    void getHullEdges(std::vector<Edge2>& vEdges);
-    double heightInTriangle(const Triangle2& t, double x, double y);
-    bool getHeightNearHull(const Point2& query, double& height, double tolerance);
+    bool canBeShown() const;
 
     int numCPU = 1; // workers of bulk operations
     std::size_t minParallelInsertion = VertexVault::minParallel;
@@ -343,8 +346,8 @@ private:
     InnerVtxMgr innerVtxMgr;
     std::set<Zone2*> sZones;    // owned
     bool bImportMode = false;   // vertices enter without flips, while triangles are being cut
-    bool bImportFailed = false; // the triangles are no triangulation: nothing may walk through them
-    bool bMayBeDelaunay = true; // no edge was ever flipped with no regard to circles
+    bool bImportFailed = false; // imported triangles are no triangulation: nothing may walk through them
+    bool bMayBeDelaunay = true; // no triangle was ever made with no regard to circles
 
     // Scratch of the inner loop, empty between calls.
     std::vector<Triangle2*> vPass, vNextPass;

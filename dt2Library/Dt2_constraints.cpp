@@ -263,7 +263,12 @@ Point2* Dt2::newCDT_leaveStart(const Point2* pStart, const Point2* pStop, Triang
         const Orientation2 ori1 = quorTest.getOrientation2Filtered(pStart, pStop, a);
         if (ori1 == ORIENTATION2_CCW) continue; // a is left of the segment, the triangle even more so
         const Orientation2 ori2 = quorTest.getOrientation2Filtered(pStart, pStop, b);
-        KELM_CHECK(!(ori1==ORIENTATION2_COLLINEAR && ori2==ORIENTATION2_COLLINEAR));
+        // Only an imported triangle may have no area.
+        if (ori1 == ORIENTATION2_COLLINEAR && ori2 == ORIENTATION2_COLLINEAR) {
+            if (isInBox(*pStart, *pStop, *a)) return a;
+            if (isInBox(*pStart, *pStop, *b)) return b;
+            continue;
+        }
         if (ori1 == ORIENTATION2_COLLINEAR && ori2 == ORIENTATION2_CCW) return a;
         if (ori1 == ORIENTATION2_CW && ori2 == ORIENTATION2_COLLINEAR) return b;
         if (ori1 == ORIENTATION2_CW && ori2 == ORIENTATION2_CCW) return nullptr;

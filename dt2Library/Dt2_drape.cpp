@@ -254,7 +254,7 @@ private:
 };
 
 bool Dt2::drape(const std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, double zTolerance) {
-    if (!is2D()) return vIn.empty();
+    if (!is2D() || isBroken("Dt2::drape()")) return vIn.empty();
     bool bComplete = true;
     std::vector<Point2> vPoints;
     std::vector<Segment2> vPieces; // the caller may have passed one sequence for both

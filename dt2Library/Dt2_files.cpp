@@ -42,6 +42,7 @@ bool Dt2::save(const char* filename) const {
 }
 
 bool Dt2::load(const char* filename) {
+    if (isBroken("Dt2::load()")) return false;
     BinaryReader reader;
     std::int32_t type;
     if (!reader.open(filename, type)) return false;

@@ -178,7 +178,7 @@ Zone2* Dt2::CAT_importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNe
     if (numCW == 0) {
         mark.setSuccess();
     } else {
-        // Walks go in circles there. Collinear triangles do no harm.
+        // Walks go in circles there. Beside collinear ones they end, if not always where they should.
         const std::string text = "clockwise triangles: " + std::to_string(numCW);
         printWarning("Dt2::CAT_importTriangles()",
                      text + ", the triangulation can only be read, drawn and saved");
@@ -199,11 +199,11 @@ bool Dt2::CAT_checkInput(const std::vector<Point2>& vPoints, bool bReorientIfNee
     if (numberOfPoints() != 0) return refuse("This method requires an empty triangulation");
     if (vPoints.empty() || vPoints.size() % 3 != 0) return refuse("3 points per triangle please!");
     if (vPoints.size() / 3 > OpenEdges::maxTriangles) return refuse("too many triangles");
-    import.places.add(vPoints, import.vCorners);
-    const std::vector<Point2>& vPlaces = import.places.getPlaces();
-    if (!std::all_of(vPlaces.begin(), vPlaces.end(), isFinite)) {
+    if (!std::all_of(vPoints.begin(), vPoints.end(), isFinite)) {
         return refuse("a coordinate is not finite, nothing is imported");
     }
+    import.places.add(vPoints, import.vCorners);
+    const std::vector<Point2>& vPlaces = import.places.getPlaces();
     import.box.add(vPlaces.begin(), vPlaces.end());
     const Bbox2 frame = frameAround(import.box);
     if (!isFinite(frame.getMinPoint()) || !isFinite(frame.getMaxPoint())) {
@@ -393,6 +393,7 @@ bool Dt2::CAT_checkClosed(const TriangleImport& import, bool bAllCCW) const {
         return true;
     }
     std::cout << "mKeyMCH.size()=" << numOpen << std::endl;
+    if (numOpen == numBoxSides) std::cout << "The triangles are folded over one another" << std::endl;
     printError("Dt2::CAT_importTriangles()", "size!=4, sorry, invalid input data or bug. If your data is "
                                              "clean, please report this incident");
     Visualizer2 visualizer("bug.ps");

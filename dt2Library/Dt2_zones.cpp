@@ -120,6 +120,7 @@ Zone2* Dt2::createZone(const std::vector<Triangle2*>& vTriangles) {
         printError("Dt2::createZone()", "A triangle is NULL or not in use any more. Returning NULL");
         return nullptr;
     }
+    if (isBroken("Dt2::createZone()")) return nullptr;
     std::vector<std::vector<Triangle2*>> vvComponents;
     getConnectedComponents(vTriangles, vvComponents);
     std::vector<Point2> vStartPoints;
@@ -135,9 +136,28 @@ Zone2* Dt2::createZone(const std::vector<Triangle2*>& vTriangles) {
     return keep(new Zone2(this, {pGraph}, ZL_GROW, vStartPoints));
 }
 
+/// The triangle at a point; of several that meet there always the same one, that with the leftmost centre.
+/// Null outside the hull.
+Triangle2* Dt2::getStartTriangle(const Point2& point) {
+    Triangle2* pT = locate(point);
+    if (pT == nullptr) return nullptr;
+    std::vector<Triangle2*> vMeeting = {pT};
+    for (int i = 0; i < 3; ++i) {
+        if (*pT->aCorner[i] == point) {
+            getIncidentTriangles(pT->aCorner[i], vMeeting);
+        } else if (pT->aOppTriangle[i] != nullptr &&
+                   quorTest.getEdgeOrientation(pT, i, &point) == ORIENTATION2_COLLINEAR) {
+            vMeeting.push_back(pT->aOppTriangle[i]);
+        }
+    }
+    return *std::min_element(vMeeting.begin(), vMeeting.end(), [](const Triangle2* a, const Triangle2* b) {
+        return a->getBarycenter() < b->getBarycenter();
+    });
+}
+
 void Dt2::growZoneArea(const std::vector<ConstraintGraph2*>& vConstraintGraphs, const Point2& point,
                        std::vector<Triangle2*>& vTriangles) {
-    Triangle2* pStartT = locate(point);
+    Triangle2* pStartT = getStartTriangle(point);
     if (pStartT == nullptr) return; // outside the hull
     std::vector<Triangle2*> vWorkspace = {pStartT};
     FloodBarrier(segmentTable, vConstraintGraphs).flood(vWorkspace, vTriangles);

@@ -1,8 +1,8 @@
 // Borders, cuts through holes, and the dealing out of triangles that touch in a vertex.
 // What the parts are good for is told in the header.
 //
-// A cut goes through the median of all border vertices that are not on one ring, so that it leaves about half
-// of the holes on either side and n triangles cost n log n. Which way it goes alternates in the whole
+// A cut goes through the median of border vertices, so that it leaves about half of the holes or pinches on
+// either side and n triangles cost n log n. Which way it goes alternates in the whole
 // process: how a set is divided depends on what was divided before, deliberately.
 
 #include "Partitioner.h"
@@ -22,6 +22,8 @@ namespace QUOR_KELM25D {
 namespace {
 
 std::atomic<bool> bSplitAlongX{true};
+constexpr std::size_t smallSet = 64;   // needs no cut
+constexpr std::size_t usefulShare = 4; // if less than one in so many was taken, the rest is cut
 
 constexpr std::less<const Point2*> isLower;
 
@@ -50,6 +52,31 @@ void appendConnected(std::vector<Triangle2*>&& vT, bool bIsolated, Parts& vParts
         }
         vPartsOut.push_back(std::move(vPart));
     }
+}
+
+/// Cuts a set in two along a line through the median of some vertices.
+void cutAtMedian(std::vector<Triangle2*>&& vT, std::vector<Point2*>& vVertices, Parts& vPartsOut) {
+    const bool bAlongX = !bSplitAlongX;
+    bSplitAlongX = bAlongX;
+    const auto coordinate = [bAlongX](const Point2* pVtx) { return bAlongX ? pVtx->x() : pVtx->y(); };
+    const auto median = vVertices.begin() + static_cast<std::ptrdiff_t>(vVertices.size() / 2);
+    std::nth_element(vVertices.begin(), median, vVertices.end(),
+                     [&](const Point2* a, const Point2* b) { return coordinate(a) < coordinate(b); });
+    const double pivot = coordinate(*median);
+    std::vector<Triangle2*> aPart[2];
+    for (Triangle2* pT : vT) {
+        aPart[pivot > coordinate(pT->getCorner(0)) ? 0 : 1].push_back(pT);
+    }
+    if (aPart[0].empty() || aPart[1].empty()) {
+        const std::size_t mid = vT.size() / 2;
+        const std::vector<Triangle2*>& vComponentT = vT;
+        KELM_CHECK(mid>0 && mid<vComponentT.size());
+        const auto middle = vT.begin() + static_cast<std::ptrdiff_t>(mid);
+        aPart[0].assign(vT.begin(), middle);
+        aPart[1].assign(middle, vT.end());
+    }
+    appendConnected(std::move(aPart[0]), false, vPartsOut);
+    appendConnected(std::move(aPart[1]), false, vPartsOut);
 }
 
 } // namespace
@@ -120,38 +147,15 @@ bool ConnectedComponent::split(Parts& vPartsOut) {
     if (!vPinches.empty()) {
         splitAtPinches(vPinches, vPartsOut);
     } else if (!vOffRing.empty()) {
-        splitAtPivot(vOffRing, vPartsOut);
+        cutAtMedian(std::move(vComponentT), vOffRing, vPartsOut);
     } else {
         return false;
     }
     return true;
 }
 
-/// Cuts the set in two along a line through one of the vertices of further rings.
-void ConnectedComponent::splitAtPivot(std::vector<Point2*>& vOffRing, Parts& vPartsOut) {
-    const bool bAlongX = !bSplitAlongX;
-    bSplitAlongX = bAlongX;
-    const auto coordinate = [bAlongX](const Point2* pVtx) { return bAlongX ? pVtx->x() : pVtx->y(); };
-    const auto median = vOffRing.begin() + static_cast<std::ptrdiff_t>(vOffRing.size() / 2);
-    std::nth_element(vOffRing.begin(), median, vOffRing.end(),
-                     [&](const Point2* a, const Point2* b) { return coordinate(a) < coordinate(b); });
-    const double pivot = coordinate(*median);
-    std::vector<Triangle2*> aPart[2];
-    for (Triangle2* pT : vComponentT) {
-        aPart[pivot > coordinate(pT->getCorner(0)) ? 0 : 1].push_back(pT);
-    }
-    if (aPart[0].empty() || aPart[1].empty()) {
-        const std::size_t mid = vComponentT.size() / 2;
-        KELM_CHECK(mid>0 && mid<vComponentT.size());
-        const auto middle = vComponentT.begin() + static_cast<std::ptrdiff_t>(mid);
-        aPart[0].assign(vComponentT.begin(), middle);
-        aPart[1].assign(middle, vComponentT.end());
-    }
-    appendConnected(std::move(aPart[0]), false, vPartsOut);
-    appendConnected(std::move(aPart[1]), false, vPartsOut);
-}
-
-/// Deals the triangles around each pinch out, one to a part, and leaves all others together.
+/// Deals the triangles around each pinch out, one to a part, and leaves all others together, unless these are
+/// nearly all: then they are cut in two, since taking one pinch away may make the next, on and on.
 void ConnectedComponent::splitAtPinches(const std::vector<Point2*>& vPinches, Parts& vPartsOut) const {
     const VertexSet sPinches(vPinches);
     std::vector<std::pair<Point2*, Triangle2*>> vAtPinch;
@@ -173,17 +177,27 @@ void ConnectedComponent::splitAtPinches(const std::vector<Point2*>& vPinches, Pa
         if (k == vDealt.size()) vDealt.emplace_back();
         vDealt[k++].push_back(pT);
     }
-    vDealt.emplace_back();
-    for (Triangle2* pT : vComponentT) {
-        if (!sTaken.contains(pT)) vDealt.back().push_back(pT);
-    }
     std::move(vDealt.begin(), vDealt.end(), std::back_inserter(vPartsOut));
+    std::vector<Triangle2*> vRest;
+    for (Triangle2* pT : vComponentT) {
+        if (!sTaken.contains(pT)) vRest.push_back(pT);
+    }
+    if (vRest.size() < smallSet || sTaken.size() >= vComponentT.size() / usefulShare) {
+        vPartsOut.push_back(std::move(vRest));
+        return;
+    }
+    std::vector<Point2*> vBorder;
+    for (const Leaving& leaving : vBorderEdges) {
+        vBorder.push_back(leaving.pSrc);
+    }
+    cutAtMedian(std::move(vRest), vBorder, vPartsOut);
 }
 
 // --- all of them ------------------------------------------------------------------------------------------
 
 Partitioner::Partitioner(const std::vector<Triangle2*>& vTriangles) {
-    // Every component has a border. So if all of it is one ring there is one component: no search is needed.
+    // If the border is one ring, so is the whole, but for parts without any, which fail later: no search is
+    // needed.
     ConnectedComponent whole(vTriangles, true);
     if (whole.isSimple()) {
         vComponents.push_back(std::move(whole));

@@ -40,7 +40,6 @@ private:
     void examineBorder(std::vector<Point2*>& vPinches, std::vector<Point2*>& vOffRing);
     void collectBorder();
     std::vector<Point2*> walkBorder();
-    void splitAtPivot(std::vector<Point2*>& vOffRing, std::vector<std::vector<Triangle2*>>& vPartsOut);
     void splitAtPinches(const std::vector<Point2*>& vPinches,
                         std::vector<std::vector<Triangle2*>>& vPartsOut) const;
 

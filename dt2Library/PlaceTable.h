@@ -34,8 +34,7 @@ public:
     /// By number: the first point at each place.
     const std::vector<Point2>& getPlaces() const noexcept { return vPlaces; }
 
-    /// The number of a point's place, which is added if it is new. Coordinates that are not numbers are new
-    /// each time.
+    /// The number of a point's place, which is added if it is new. Coordinates must be numbers.
     std::uint32_t add(const Point2& p) {
         makeRoom(1);
         return addAt(hashOf(p), p);

@@ -161,16 +161,16 @@ public:
         sZoneTriangles = TriangleSet(vTriangles);
     }
 
-    /// Turns the diagonals of which bWanted(quadrilateral) says so, where that is possible. An edge that was
+    /// Turns the diagonals of which isWanted(quadrilateral) says so, where that is possible. An edge that was
     /// chosen by its triangle and index is, after flips around, whatever edge has that index.
     template <class Wanted>
-    void run(const Wanted& bWanted) {
+    void run(const Wanted& isWanted) {
         const std::vector<Edge2> vEdges = getLongestEdges(vTriangles);
         for (std::size_t k = 0; k < vEdges.size(); ++k) {
             prefetchAhead(vEdges, k);
             if (isOnHull(vEdges[k])) continue;
             const Quadrilateral quad(vEdges[k]);
-            if (bWanted(quad) && canBeTurned(quad)) turn(quad);
+            if (isWanted(quad) && canBeTurned(quad)) turn(quad);
         }
     }
 
@@ -232,6 +232,7 @@ bool runsTheWrongWay(const Quadrilateral& quad) {
 } // namespace
 
 void Zone2::slopeValleyRidgeOptimization() {
+    if (pDt->isBroken("Zone2::slopeValleyRidgeOptimization()")) return;
     constexpr int maxNumPasses = 3;
     analyzeAngles();
     std::vector<Triangle2*> vWorkList, vChangedT;
@@ -266,6 +267,7 @@ void Zone2::optimize(std::vector<Triangle2*>& vT, std::vector<Triangle2*>& vChan
 }
 
 void Zone2::optimizeValleysAndRidges(double planarTolerance, double spatialThreshold) {
+    if (pDt->isBroken("Zone2::optimizeValleysAndRidges()")) return;
     DiagonalTurner(*pDt, *this, planarTolerance).run([&](const Quadrilateral& quad) {
         const double present = std::sqrt(sqDistance25D(*quad.b, *quad.c));
         const double other = std::sqrt(sqDistance25D(*quad.a, *quad.d));
@@ -276,6 +278,7 @@ void Zone2::optimizeValleysAndRidges(double planarTolerance, double spatialThres
 }
 
 void Zone2::unifyGrid(double planarTolerance) {
+    if (pDt->isBroken("Zone2::unifyGrid()")) return;
     DiagonalTurner(*pDt, *this, planarTolerance).run(runsTheWrongWay);
 }
 

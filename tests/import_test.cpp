@@ -174,9 +174,18 @@ TEST(Import, WhatIsNoMeshGivesNull) {
     Points vInsideOut{a, b, l, b, c, l, c, d, l, d, a, l};
     CoutCapture out;
     Kelm_2D folded;
-    ASSERT_NE(nullptr, folded.importTriangles(vInsideOut, false, false));
+    Zone2* pFolded = folded.importTriangles(vInsideOut, false, false);
+    ASSERT_NE(nullptr, pFolded);
     EXPECT_TRUE(out.printed("clockwise triangles: 1, the triangulation can only be read"));
+    const auto sBefore = triangleSet(folded);
+    std::vector<Segment2> vLine{Segment2(a, c)}, vDraped;
+    EXPECT_FALSE(folded.drape(vLine, vDraped, -1.0));
     EXPECT_EQ(nullptr, folded.insert({9, 9, 0}));
+    EXPECT_EQ(nullptr, folded.createConstraint(vLine, CIS_CONSTRAINED_DELAUNAY));
+    pFolded->unifyGrid(1.0);
+    folded.cutTriangles(vLine, true);
+    folded.remove(hullVertices(folded)[0]);
+    EXPECT_EQ(sBefore, triangleSet(folded));
     Points vClosed{a, b, c, a, c, b};
     EXPECT_THROW(Kelm_2D().importTriangles(vClosed, false, false), KelmException);
 }
@@ -195,6 +204,8 @@ TEST(Import, FirstPointOfAPlaceCountsAndCollinearTriplesCloseTheMesh) {
     EXPECT_EQ(4U, pZone->getNumberOfTriangles());
     std::vector<Point2*> vVertices;
     dt.getVertexPointers(vVertices);
+    dt.createConstraint({Segment2({-1, 0, 0}, {2, 0, 0})}, CIS_CONSTRAINED_DELAUNAY); // along the triple
+    EXPECT_TRUE(dt.checkValidity(false, "along"));
     std::sort(vVertices.begin(), vVertices.end(), [](Point2* p, Point2* q) { return *p < *q; });
     ASSERT_EQ(5U, vVertices.size());
     EXPECT_TRUE(vVertices[0]->z() == 7.0 && vVertices[0]->getCustomIndex() == 42);

@@ -216,7 +216,7 @@ public:
     Zone2* createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc, bool bVerbose = true);
     /// Makes a zone of the triangles around a start point, up to the edges of a graph: zoneLoc must be
     /// ZL_GROW, else there is an error line and the result is null. The point is looked up at each question;
-    /// outside the hull there are no triangles.
+    /// of triangles that meet there it is always the same one, and outside the hull there are none.
     Zone2* createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc, const Point2& startPoint,
                       bool bVerbose = true);
     /// The same up to the edges of several graphs, or of none.
@@ -246,15 +246,18 @@ public:
     /// @param vPoints three corners for each triangle, counterclockwise, in the frame of the points
     /// @param bReorientIfNeeded turn clockwise triples round, in vPoints itself. Without it nothing is looked
     /// at: triples that are clockwise or collinear become such triangles or make the import fail. With
-    /// clockwise ones a warning tells that the triangulation can only be read, drawn and saved from then on
+    /// clockwise ones a warning tells that the triangulation can only be read, drawn and saved from then on;
+    /// beside collinear ones later constraints and removals may throw KelmException
     /// @param bCreateExtendedBoundingBox keep the corners of a box of twice the extent, heights 0, as
     /// vertices; otherwise the hull of the given points is the border
     /// @return a zone of the given triangles. Null, after messages, if the triangulation is not empty, for a
     /// number of points that is no positive multiple of 3, coordinates x or y that are not finite or too
     /// large for the box and, without bReorientIfNeeded, a triple with two equal corners: nothing is changed
-    /// then. Null, too, after messages, for a collinear triple with bReorientIfNeeded and, with a drawing in
-    /// the current directory, if the triangles overlap: what was made by then stays and can only be read,
-    /// drawn and saved. Triangles that close without a border throw KelmException
+    /// then. Null, too, after messages, for a collinear triple with bReorientIfNeeded and if the triangles
+    /// are no part of a triangulation: they overlap, a corner lies on an edge, several meet at one side of an
+    /// edge. A drawing in the current directory shows most such cases. What was made by then stays and can
+    /// only be read, drawn and saved. Triangles that close without a border throw KelmException, or give null
+    /// beside others
     ///
     /// Close to linear in the number of triangles.
     Zone2* importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNeeded,
