@@ -1,6 +1,6 @@
-// Reading of zones that cover about a million triangles, in nanoseconds a triangle; and, beside work that
-// does part of the same, in turn: import beside the triangulation of its points, cuts beside the same
-// segments as constraints. Usage: zone_compare [RUNS]
+// Reading of zones that cover about a million triangles, in nanoseconds a triangle; import beside the
+// triangulation of its points and cuts beside the same segments as constraints, in turn; surface optimisation.
+// Usage: zone_compare [RUNS]
 
 #include "benchPoints.h"
 #include "compare.h"
@@ -9,6 +9,7 @@
 #include <kelm25d/Zone2.h>
 #include <kelm25d/testDataGenerators.h>
 
+#include <functional>
 #include <memory>
 
 using namespace QUOR_KELM25D;
@@ -129,6 +130,26 @@ void compareCuts(const char* name, int numRuns, bool bWithConstraints) {
         });
 }
 
+/// Flips for the surface of a wavy terrain, each on a mesh of its own.
+void printOptimization(const char* name, int numRuns, const std::function<void(Zone2&)>& optimize) {
+    std::vector<Point2> vPoints = bench::makePoints(bench::UNIFORM, numPoints);
+    for (Point2& p : vPoints) {
+        p.setZ(20.0 * std::sin(p.x() / 20.0) * std::cos(p.y() / 15.0));
+    }
+    std::vector<double> vSeconds;
+    std::size_t numTriangles = 0;
+    for (int run = 0; run < numRuns; ++run) {
+        Kelm_2D dt;
+        dt.insert(vPoints);
+        Zone2* pZone = dt.createZone(nullptr, ZL_GLOBAL);
+        numTriangles = pZone->getNumberOfTriangles();
+        unsigned ignored = 0;
+        vSeconds.push_back(bench::secondsOf([&] { return optimize(*pZone), 0U; }, ignored));
+    }
+    std::printf("| %-30s | %12zu | %12.1f |\n", name, numTriangles,
+                1e9 * bench::median(vSeconds) / static_cast<double>(numTriangles));
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -140,5 +161,12 @@ int main(int argc, char** argv) {
     bench::printHeader("1,000 segments, 100,000 points", "cut, ms", "force, ms");
     compareCuts("cut", numRuns, false);
     compareCuts("cut, the rest protected", numRuns, true);
+    std::printf("\n| %-30s | %12s | %12s |\n", "surface optimisation", "triangles", "ns each");
+    std::printf("|--------------------------------|--------------|--------------|\n");
+    printOptimization("unifyGrid", numRuns, [](Zone2& zone) { zone.unifyGrid(0.1); });
+    printOptimization("optimizeValleysAndRidges", numRuns,
+                      [](Zone2& zone) { zone.optimizeValleysAndRidges(0.1, 0.05); });
+    printOptimization("slopeValleyRidgeOptimization", numRuns,
+                      [](Zone2& zone) { zone.slopeValleyRidgeOptimization(); });
     return 0;
 }
