@@ -1,6 +1,6 @@
 // Reading of zones that cover about a million triangles, in nanoseconds a triangle; import beside the
-// triangulation of its points and cuts beside the same segments as constraints, in turn; surface optimisation.
-// Usage: zone_compare [RUNS]
+// triangulation of its points and cuts beside the same segments as constraints, in turn; surface
+// optimisation. Usage: zone_compare [RUNS]
 
 #include "benchPoints.h"
 #include "compare.h"

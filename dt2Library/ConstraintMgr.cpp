@@ -229,14 +229,17 @@ void ConstraintMgr::apply() {
     // What one insertion settles a later one may divide.
     const std::size_t limit = maxPieces + maxPiecesPerSegment * vSegments.size();
     bool bSettled = false;
+    std::size_t first = bFailed ? 0 : numSettled; // an edge that is constrained stays one
     for (int round = 0; round < maxRounds && vSegments.size() <= limit && !bSettled; ++round) {
         const std::size_t numBefore = vSegments.size(), divisionsBefore = numDivisions;
-        for (std::size_t i = 0; i < numBefore; ++i) {
+        for (std::size_t i = first; i < numBefore; ++i) {
             progress.advance(1);
             if (vSegments[i]->isAlive()) applyMuted(vSegments[i].get());
         }
         bSettled = numDivisions == divisionsBefore;
+        first = 0;
     }
+    numSettled = bSettled ? vSegments.size() : 0;
     if (!bSettled) {
         printWarning("ConstraintMgr::apply()", "insufficient numeric accuracy, need to skip last insertions");
     }

@@ -43,6 +43,10 @@ public:
     void addLeftInMesh(const ConstraintSegment2* pSegment) { vLeftInMesh.push_back(pSegment); }
     /// To be told of every division of a segment.
     void countDivision() noexcept { ++numDivisions; }
+    /// To be told when a segment can't be made an edge: from then on all are tried again by each apply().
+    void countFailure() noexcept { bFailed = true; }
+    /// To be told when the mesh is gone, and with it all edges.
+    void loseEdges() noexcept { numSettled = 0; }
     /// The segment of the pair, alive or dead, or null.
     ConstraintSegment2* findSegment(const Point2* a, const Point2* b) const noexcept {
         return segmentTable.find(a, b);
@@ -104,6 +108,8 @@ private:
     Dt2* pDt;
     SegmentTable& segmentTable;
     std::size_t numDivisions = 0;
+    bool bFailed = false;       // some alive segment may not be an edge and never become one
+    std::size_t numSettled = 0; // of the first so many segments, the alive ones are edges
     std::vector<const ConstraintSegment2*> vLeftInMesh;               // since the last apply()
     std::vector<std::unique_ptr<ConstraintSegment2>> vSegments;       // in order of creation
     std::vector<std::unique_ptr<ConstraintGraph2>> vConstraintGraphs; // in order of creation

@@ -164,10 +164,10 @@ public:
     /// ZL_BOUNDED, of the edges of a border, counterclockwise around the zone.
     Zone2* createZone(const std::vector<Edge2>& vEdges, ZoneLocation zoneLoc);
     void deleteZone(Zone2* pZone);
-    /// Appends the triangles that are reached from the one at a point without crossing edges of the graphs,
-    /// by address.
-    void growZoneArea(const std::vector<ConstraintGraph2*>& vConstraintGraphs, const Point2& point,
-                      std::vector<Triangle2*>& vTriangles);
+    /// Appends for each point in turn the triangles that are reached from the one there without crossing
+    /// edges of the graphs, by address. One region of two points is appended twice.
+    void growZoneArea(const std::vector<ConstraintGraph2*>& vConstraintGraphs,
+                      const std::vector<Point2>& vPoints, std::vector<Triangle2*>& vTriangles);
     /// The triangle at a point, of several that meet there always the same; null outside the hull.
     Triangle2* getStartTriangle(const Point2& point);
     /// Any triangle; null before is2D().

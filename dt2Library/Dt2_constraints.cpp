@@ -127,6 +127,7 @@ bool Dt2::newCDT_divide(ConstraintSegment2* pCSeg, Point2* pSplit) {
     KELM_CHECK(!pCSeg->hasEnd(pSplit));
     const bool bOK = pCSeg->divide(pSplit);
     if (!bOK) {
+        constraintMgr.countFailure();
         printWarning("Dt2::treatConstraintZone()", // "numerica" is misspelled deliberately
                      "intersection point of two constraints has bad numerica accuracy!");
     }
@@ -352,7 +353,8 @@ void Dt2::newCDT_legalizeEdge(const Point2* a, const Point2* b) {
 
 void Dt2::insertSegmentConformingDelaunay(ConstraintSegment2* pCSeg) {
     const Point2 *a = pCSeg->getSrc(), *b = pCSeg->getTrg();
-    const auto giveUp = [] {
+    const auto giveUp = [this] {
+        constraintMgr.countFailure();
         printWarning("Dt2::insertSegmentConformingDelaunay()",
                      "Double precision arithmetic does not allow to split a segment further, giving up. "
                      "Incorrect result!");

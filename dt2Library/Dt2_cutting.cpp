@@ -38,15 +38,26 @@ double sqDistance2D(const Point2& a, const Point2& b) noexcept {
     return dx * dx + dy * dy;
 }
 
+/// Right at every scale, where squares are lost.
+double distance2D(const Point2& a, const Point2& b) noexcept {
+    return std::hypot(a.x() - b.x(), a.y() - b.y());
+}
+
 bool isFinite(const Point2& p) noexcept {
     return std::isfinite(p.x()) && std::isfinite(p.y());
 }
 
+bool areBoxesApart(const Point2& p, const Point2& q, const Point2& a, const Point2& b) noexcept {
+    return std::max(p.x(), q.x()) < std::min(a.x(), b.x()) ||
+           std::max(a.x(), b.x()) < std::min(p.x(), q.x()) ||
+           std::max(p.y(), q.y()) < std::min(a.y(), b.y()) || std::max(a.y(), b.y()) < std::min(p.y(), q.y());
+}
+
 /// A point on an edge, on the surface.
 Point2 withHeightOf(const Point2& p, const Point2& q, Point2 point) noexcept {
-    const double length = std::sqrt(sqDistance2D(p, q));
-    const double slope = length > 0.0 ? (q.z() - p.z()) / length : 0.0;
-    point.setZ(p.z() + slope * std::sqrt(sqDistance2D(p, point)));
+    const double length = distance2D(p, q);
+    const double share = length > 0.0 ? std::min(1.0, distance2D(p, point) / length) : 0.0;
+    point.setZ(p.z() + (q.z() - p.z()) * share);
     return point;
 }
 
@@ -176,7 +187,8 @@ void Dt2::Cut::traceKnife(Knife& knife) {
     } else {
         if (vHull.empty()) dt.getHullEdges(vHull);
         for (const Edge2& edge : vHull) {
-            if (dt.quorTest.segmentsIntersect(edge.getSrc(), edge.getTrg(), &a, &b) != 0) {
+            if (!areBoxesApart(*edge.getSrc(), *edge.getTrg(), a, b) &&
+                dt.quorTest.segmentsIntersect(edge.getSrc(), edge.getTrg(), &a, &b) != 0) {
                 vStack.push_back(edge.getTriangle());
             }
         }
@@ -215,8 +227,8 @@ Dt2::Cut::CutEdge& Dt2::Cut::getCutEdge(Point2* p, Point2* q) {
 /// Ends of the knife within the edge divide the edge, ends of the edge within the knife the knife.
 void Dt2::Cut::treatCollinear(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge) {
     const auto isBetween = [](const Point2& c, const Point2& end0, const Point2& end1) {
-        const double sqLength = sqDistance2D(end0, end1);
-        return sqDistance2D(c, end0) < sqLength && sqDistance2D(c, end1) < sqLength;
+        const double length = distance2D(end0, end1);
+        return distance2D(c, end0) < length && distance2D(c, end1) < length;
     };
     for (const Point2* pEnd : {&a, &b}) {
         if (isBetween(*pEnd, *edge.p, *edge.q)) edge.vPoints.push_back(withHeightOf(*edge.p, *edge.q, *pEnd));
@@ -263,9 +275,21 @@ void Dt2::Cut::protect() {
             }
         }
     }
+    ConstraintMgr::Pairs vPairs;
+    const bool bOutside = std::any_of(vKnives.begin(), vKnives.end(), [&](const Knife& knife) {
+        return dt.locate(knife.src) == nullptr || dt.locate(knife.trg) == nullptr;
+    });
+    if (bOutside) { // what is joined to such an end must not be repaired across the hull as it is
+        std::vector<Edge2> vHullNow;
+        dt.getHullEdges(vHullNow);
+        for (const Edge2& edge : vHullNow) {
+            const bool bFromThere = sTriangles.contains(edge.getTriangle());
+            if (bFromThere || dt.isConstraint(edge.getTriangle(), edge.getIndex())) continue;
+            vPairs.emplace_back(edge.getSrc(), edge.getTrg());
+        }
+    }
     std::vector<Triangle2*> vTriangles;
     sTriangles.appendTo(vTriangles);
-    ConstraintMgr::Pairs vPairs;
     for (const Triangle2* pT : vTriangles) {
         for (int i = 0; i < 3; ++i) {
             const Triangle2* pN = pT->aOppTriangle[i];
@@ -381,7 +405,9 @@ void Dt2::Cut::insertKnives() {
     for (Knife& knife : vKnives) {
         for (Point2* pEnd : {&knife.src, &knife.trg}) {
             double height = 0.0;
-            if (dt.getHeight(pEnd->x(), pEnd->y(), height, nullptr, 0.0)) pEnd->setZ(height);
+            // An end that is outside by rounding alone is meant to be on the hull.
+            const double rounding = 0x1p-48 * pEnd->getMaxAbs();
+            if (dt.getHeight(pEnd->x(), pEnd->y(), height, nullptr, rounding)) pEnd->setZ(height);
         }
         Point2* pSrc = dt.insertPoint(knife.src);
         Point2* pTrg = dt.insertPoint(knife.trg);
@@ -431,11 +457,14 @@ void Dt2::CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithCo
         return;
     }
     cut.trace();
-    const ImportMode importMode(*this, bWithConstraints);
-    if (bWithConstraints) cut.protect();
-    cut.insertVertices();
-    if (bWithConstraints) cut.divideEdges();
-    cut.insertKnives();
+    {
+        const ImportMode importMode(*this, bWithConstraints);
+        if (bWithConstraints) cut.protect();
+        cut.insertVertices();
+        if (bWithConstraints) cut.divideEdges();
+        cut.insertKnives();
+    }
+    // What is to stay is constrained by now. Conforming segments need flips.
     applyConstraintsAndZones();
     cut.getPieces(vCSegsOut);
 }
@@ -446,7 +475,7 @@ void Dt2::CUTT_insertConstraintSegments(Point2* pA, Point2* pB, const std::vecto
     Point2 *pStart = bForward ? pA : pB, *pEnd = bForward ? pB : pA;
     std::vector<std::pair<double, Point2*>> vOrder;
     for (Point2* pVtx : vSplitPoints) {
-        if (pVtx != pStart && pVtx != pEnd) vOrder.emplace_back(sqDistance2D(*pStart, *pVtx), pVtx);
+        if (pVtx != pStart && pVtx != pEnd) vOrder.emplace_back(distance2D(*pStart, *pVtx), pVtx);
     }
     std::sort(vOrder.begin(), vOrder.end());
     vOrder.erase(std::unique(vOrder.begin(), vOrder.end()), vOrder.end());

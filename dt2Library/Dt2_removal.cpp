@@ -136,7 +136,10 @@ void Dt2::remove(Point2* pVtx, bool bDeactivate) {
         std::vector<Triangle2*> vFlipped;
         cutEarsOff(pVtx, vFlipped);
         dissolveFan(pVtx);
-        if (numberOfTriangles() == 0) vertexVault.setFullDimensional(false);
+        if (numberOfTriangles() == 0) {
+            vertexVault.setFullDimensional(false);
+            constraintMgr.loseEdges();
+        }
         repairDelaunay(vFlipped);
     }
     if (bDeactivate) {

@@ -155,12 +155,15 @@ Triangle2* Dt2::getStartTriangle(const Point2& point) {
     });
 }
 
-void Dt2::growZoneArea(const std::vector<ConstraintGraph2*>& vConstraintGraphs, const Point2& point,
-                       std::vector<Triangle2*>& vTriangles) {
-    Triangle2* pStartT = getStartTriangle(point);
-    if (pStartT == nullptr) return; // outside the hull
-    std::vector<Triangle2*> vWorkspace = {pStartT};
-    FloodBarrier(segmentTable, vConstraintGraphs).flood(vWorkspace, vTriangles);
+void Dt2::growZoneArea(const std::vector<ConstraintGraph2*>& vConstraintGraphs,
+                       const std::vector<Point2>& vPoints, std::vector<Triangle2*>& vTriangles) {
+    FloodBarrier barrier(segmentTable, vConstraintGraphs);
+    for (const Point2& point : vPoints) {
+        Triangle2* pStartT = getStartTriangle(point);
+        if (pStartT == nullptr) continue; // outside the hull
+        std::vector<Triangle2*> vWorkspace = {pStartT};
+        barrier.flood(vWorkspace, vTriangles);
+    }
 }
 
 // --- by a polygon -----------------------------------------------------------------------------------------
@@ -182,7 +185,7 @@ std::vector<Point2> collectEnds(const std::vector<Segment2>& vSegments) {
 } // namespace
 
 Zone2* Dt2::createZone_cookieCutter(const std::vector<Segment2>& vSegments, bool bWithConstraints) {
-    if (!isSimplePolygon(vSegments)) return nullptr;
+    if (isBroken("Dt2::createZone_cookieCutter()") || !isSimplePolygon(vSegments)) return nullptr;
     std::vector<Point2> vOutside;
     for (const Point2& end : collectEnds(vSegments)) {
         if (locate(end) == nullptr) vOutside.push_back(end);

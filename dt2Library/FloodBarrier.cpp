@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <limits>
 #include <utility>
 
 namespace QUOR_KELM25D {
@@ -26,6 +25,8 @@ FloodBarrier::FloodBarrier(const SegmentTable& segmentTable_, std::vector<Constr
     std::sort(sGraphs.begin(), sGraphs.end(), std::less<ConstraintGraph2*>());
     sGraphs.erase(std::unique(sGraphs.begin(), sGraphs.end()), sGraphs.end());
     if (!sGraphs.empty() && sGraphs.front() == nullptr) sGraphs.erase(sGraphs.begin());
+    bAnywhere = !sGraphs.empty();
+    nextSearch = smallFlood;
 }
 
 bool FloodBarrier::isOfGraphs(const Triangle2* pT, int i) const noexcept {
@@ -37,15 +38,15 @@ bool FloodBarrier::isOfGraphs(const Triangle2* pT, int i) const noexcept {
     });
 }
 
-/// The triangles that have an edge of the graphs; nothing, and false, if these have more edges than a flood
-/// over so many triangles would look up.
-bool FloodBarrier::findTrianglesAtEdges(std::size_t numTriangles, TriangleSet& sAtEdges) const {
+/// Finds the triangles that have an edge of the graphs, unless these have more edges than a flood over the
+/// triangles reached by now has looked up.
+void FloodBarrier::findTrianglesAtEdges() {
     std::vector<ConstraintSegment2*> vPieces;
     for (const ConstraintGraph2* pGraph : sGraphs) {
         std::vector<ConstraintSegment2*> vOfGraph;
         pGraph->getChildConstraintSegments(vOfGraph);
         vPieces.insert(vPieces.end(), vOfGraph.begin(), vOfGraph.end());
-        if (vPieces.size() > numTriangles / lookupsPerSearch) return false;
+        if (vPieces.size() > numReached / lookupsPerSearch) return;
     }
     for (const ConstraintSegment2* pPiece : vPieces) {
         const Edge2 edge = Dt2::findEdge(pPiece->getSrc(), pPiece->getTrg());
@@ -56,22 +57,20 @@ bool FloodBarrier::findTrianglesAtEdges(std::size_t numTriangles, TriangleSet& s
         sAtEdges.insert(pT0);
         if (pT1 != nullptr) sAtEdges.insert(pT1);
     }
-    return true;
+    bAnywhere = false;
 }
 
-void FloodBarrier::flood(std::vector<Triangle2*>& vWorkspace, std::vector<Triangle2*>& vTriangles) const {
-    TriangleSet sVisited, sAtEdges;
+void FloodBarrier::flood(std::vector<Triangle2*>& vWorkspace, std::vector<Triangle2*>& vTriangles) {
+    TriangleSet sVisited;
     std::vector<Triangle2*> vReached; // in the order of reaching them: breadth first
     for (Triangle2* pSeed : vWorkspace) {
         if (sVisited.insert(pSeed)) vReached.push_back(pSeed);
     }
     vWorkspace.clear();
-    // A flood that has become large looks for all edges of the graphs at once, and then reads no vertices.
-    bool bAnywhere = !sGraphs.empty();
-    std::size_t nextSearch = bAnywhere ? smallFlood : std::numeric_limits<std::size_t>::max();
     for (std::size_t next = 0; next < vReached.size(); ++next) {
-        if (next == nextSearch && bAnywhere) {
-            bAnywhere = !findTrianglesAtEdges(next, sAtEdges);
+        // What has become large looks for all edges of the graphs at once, and then reads no vertices.
+        if (++numReached == nextSearch && bAnywhere) {
+            findTrianglesAtEdges();
             nextSearch *= 2;
         }
         const Triangle2* pT = vReached[next];

@@ -22,15 +22,19 @@ public:
 
     bool stops(const Triangle2* pT, int i) const noexcept { return !sGraphs.empty() && isOfGraphs(pT, i); }
     /// Appends the triangles in the workspace and all that are reached from them, each once, by address, and
-    /// empties the workspace. About 20 ns a triangle.
-    void flood(std::vector<Triangle2*>& vWorkspace, std::vector<Triangle2*>& vTriangles) const;
+    /// empties the workspace. About 20 ns a triangle. The mesh must be the same at each call.
+    void flood(std::vector<Triangle2*>& vWorkspace, std::vector<Triangle2*>& vTriangles);
 
 private:
     bool isOfGraphs(const Triangle2* pT, int i) const noexcept;
-    bool findTrianglesAtEdges(std::size_t numTriangles, TriangleSet& sAtEdges) const;
+    void findTrianglesAtEdges();
 
     const SegmentTable& segmentTable;
     std::vector<ConstraintGraph2*> sGraphs; // a set, as a sequence by address
+    bool bAnywhere; // an edge of the graphs may be at any triangle, else only at those of sAtEdges
+    TriangleSet sAtEdges;
+    std::size_t numReached = 0; // by all floods together
+    std::size_t nextSearch;     // when so many triangles have been reached
 };
 
 } // namespace QUOR_KELM25D

@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <functional>
 #include <iostream>
+#include <unordered_map>
 #include <utility>
 
 namespace QUOR_KELM25D {
@@ -183,9 +184,7 @@ void Zone2::getTriangles(std::vector<Triangle2*>& vTriangles) const {
         break;
     case ZL_GROW:
         // Two start points in one region yield it twice, deliberately.
-        for (const Point2& startPoint : vStartPoints) {
-            pDt->growZoneArea(vConstraintGraphs, startPoint, vTriangles);
-        }
+        pDt->growZoneArea(vConstraintGraphs, vStartPoints, vTriangles);
         break;
     case ZL_RESULT_UNION:
     case ZL_RESULT_INTERSECTION:
@@ -223,33 +222,97 @@ void Zone2::bfsFromWorkspace(std::vector<Triangle2*>& vWorkspace, std::vector<Tr
     FloodBarrier(pDt->getSegmentTable(), vConstraintGraphs).flood(vWorkspace, vTriangles);
 }
 
-// Results of results are worked off with a stack: chains of a hundred thousand unions are no recursion.
-void Zone2::getTriangles_RESULT(std::vector<Triangle2*>& vTriangles) const {
+/// The evaluation of a set operation whose operands may be such operations themselves. Each zone is evaluated
+/// once, whatever the number of ways to it, of two operands first the one with more below it, and the
+/// triangles are kept until they have been used: so chains of unions need little memory, and no recursion.
+class Zone2::Evaluation {
+public:
+    explicit Evaluation(const Zone2& root_) : root(root_) { examine(); }
+    const std::vector<Triangle2*>& run();
+
+private:
+    struct Node {
+        std::size_t depth = 0;
+        unsigned numUses = 0; // as an operand, yet to come
+        bool bDone = false;
+        std::vector<Triangle2*> vTriangles; // by address
+    };
     struct Task {
         const Zone2* pZone;
         bool bOperandsDone;
     };
-    std::vector<Task> vTasks = {{this, false}};
-    std::vector<std::vector<Triangle2*>> vvOperands;
+
+    void examine();
+    void combineOperands(const Zone2& zone);
+
+    const Zone2& root;
+    std::unordered_map<const Zone2*, Node> mNode;
+};
+
+/// Finds all zones below, how deep they are, and how often they are used.
+void Zone2::Evaluation::examine() {
+    std::vector<Task> vTasks = {{&root, false}};
+    while (!vTasks.empty()) {
+        const Task task = vTasks.back();
+        vTasks.pop_back();
+        const std::vector<Zone2*>& vInputs = task.pZone->vInputZones;
+        if (task.bOperandsDone) {
+            for (const Zone2* pInput : vInputs) {
+                mNode[task.pZone].depth = std::max(mNode[task.pZone].depth, mNode[pInput].depth + 1);
+            }
+            continue;
+        }
+        if (!mNode.emplace(task.pZone, Node()).second || vInputs.empty()) continue;
+        vTasks.push_back({task.pZone, true});
+        for (const Zone2* pInput : vInputs) {
+            vTasks.push_back({pInput, false});
+        }
+    }
+    for (const auto& entry : mNode) {
+        for (const Zone2* pInput : entry.first->vInputZones) {
+            ++mNode[pInput].numUses;
+        }
+    }
+}
+
+const std::vector<Triangle2*>& Zone2::Evaluation::run() {
+    std::vector<Task> vTasks = {{&root, false}};
     while (!vTasks.empty()) {
         const Task task = vTasks.back();
         vTasks.pop_back();
         const Zone2& zone = *task.pZone;
-        if (task.bOperandsDone) {
-            std::vector<Triangle2*> vSecond(std::move(vvOperands.back()));
-            vvOperands.pop_back();
-            vvOperands.back() = mergeSorted(vvOperands.back(), vSecond, zone.zoneLoc);
-        } else if (zone.vInputZones.size() == 2) {
-            vTasks.push_back({task.pZone, true});
-            vTasks.push_back({zone.vInputZones[1], false});
-            vTasks.push_back({zone.vInputZones[0], false});
-        } else {
-            vvOperands.emplace_back(); // and so it stays for a result without operands
-            if (!zone.isResult()) zone.getTriangles(vvOperands.back());
-            sortByAddress(vvOperands.back());
+        Node& node = mNode[&zone];
+        if (node.bDone) continue;
+        if (!task.bOperandsDone && zone.vInputZones.size() == 2) {
+            Zone2 *pFirst = zone.vInputZones[0], *pSecond = zone.vInputZones[1];
+            if (mNode[pFirst].depth < mNode[pSecond].depth) std::swap(pFirst, pSecond);
+            vTasks.push_back({&zone, true});
+            vTasks.push_back({pSecond, false});
+            vTasks.push_back({pFirst, false});
+            continue;
         }
+        if (task.bOperandsDone) {
+            combineOperands(zone);
+        } else if (!zone.isResult()) { // a result without operands stays empty
+            zone.getTriangles(node.vTriangles);
+            sortByAddress(node.vTriangles);
+        }
+        node.bDone = true;
     }
-    const std::vector<Triangle2*>& vResult = vvOperands.back();
+    return mNode[&root].vTriangles;
+}
+
+void Zone2::Evaluation::combineOperands(const Zone2& zone) {
+    Node &first = mNode[zone.vInputZones[0]], &second = mNode[zone.vInputZones[1]];
+    mNode[&zone].vTriangles = mergeSorted(first.vTriangles, second.vTriangles, zone.zoneLoc);
+    for (Node* pNode : {&first, &second}) {
+        if (--pNode->numUses == 0) std::vector<Triangle2*>().swap(pNode->vTriangles);
+    }
+}
+
+void Zone2::getTriangles_RESULT(std::vector<Triangle2*>& vTriangles) const {
+    Evaluation evaluation(*this);
+    const std::vector<Triangle2*>& vResult = evaluation.run();
     vTriangles.insert(vTriangles.end(), vResult.begin(), vResult.end());
 }
 

@@ -297,6 +297,8 @@ TEST(Zones, NestedRingsEncloseTheirAreas) {
     std::mt19937 random(5);
     std::uniform_real_distribution<double> bend(0.7, 1.0);
     Kelm_2D dt;
+    for (int i = 0; i < 8000; ++i) // for zones of many triangles, which are flooded in another way
+        dt.insert(Point2(4e6 + 900 * (bend(random) - 0.85) * 7, 5e5 + 900 * (bend(random) - 0.85) * 7, 0));
     std::vector<ConstraintGraph2*> vRings;
     std::vector<double> vAreas;
     for (const double radius : {900.0, 600.0, 400.0, 250.0, 100.0}) {
@@ -320,6 +322,9 @@ TEST(Zones, NestedRingsEncloseTheirAreas) {
         EXPECT_NEAR(vAreas[i], pInside->getArea2D(), 1e-6 * vAreas[i]);
         pStripes = i == 0 ? pInside : zoneSymmetricDifference(pStripes, pInside);
         stripes = vAreas[i] - stripes;
+        ASSERT_EQ("", findZoneFault(dt, {pInside, ZL_INSIDE, {vRings[i]}}));
+        Zone2* pGrown = dt.createZone(vRings, ZL_GROW, Point2(4e6, 5e5, 0));
+        ASSERT_EQ("", findZoneFault(dt, {pGrown, ZL_GROW, {vRings.begin(), vRings.end()}, {{4e6, 5e5, 0}}}));
         const Zone2* pOutside = dt.createZone(vRings[i], ZL_OUTSIDE);
         EXPECT_EQ(dt.numberOfTriangles(), pInside->getNumberOfTriangles() + pOutside->getNumberOfTriangles());
     }
@@ -328,9 +333,9 @@ TEST(Zones, NestedRingsEncloseTheirAreas) {
     const Bbox2 box = pStripes->getBoundingBox(), ringBox = dt.computeBoundingBox();
     EXPECT_EQ(ringBox.get_minX(), box.get_minX());
     EXPECT_FALSE(zoneDifference(pStripes, pStripes)->getBoundingBox().isValid());
-    Zone2* pMany = pStripes; // chains of results are evaluated without recursion
+    Zone2* pMany = pStripes; // chains of results are evaluated without recursion, and each zone once
     for (int i = 0; i < 20000; ++i)
-        pMany = zoneUnion(dt.createZone(Triangles()), pMany);
+        pMany = i % 2 == 0 ? zoneUnion(pMany, pMany) : zoneUnion(dt.createZone(Triangles()), pMany);
     EXPECT_EQ(pStripes->getNumberOfTriangles(), pMany->getNumberOfTriangles());
 }
 

@@ -271,8 +271,10 @@ public:
     /// insert does. Ends take the height of the surface; beyond the hull they keep theirs and extend it. A
     /// crossing closer than 1e-5 to a corner of its triangle takes that corner, whatever the scale of the
     /// data. Segments without length are left out.
-    /// A warning, and nothing else, before is2D() and if no segment is left; an error line if a coordinate is
-    /// not finite. Expected cost: linear in the crossings, and a search for each segment.
+    /// A warning before is2D() and, once waiting constraints have been applied, if no segment is left; an
+    /// error line if a coordinate is not finite. Many segments in one call cost less than a call for each.
+    /// Expected cost: linear in the crossings and in the edges around, a search for each segment, a pass over
+    /// the hull for each that comes from outside.
     void cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints);
     /// The same along one segment.
     void cutTriangles(const Point2& knifeStart, const Point2& knifeEnd, bool bWithConstraints);

@@ -69,6 +69,8 @@ public:
     /// Appends the corners of all triangles, each once, by address.
     void getVertices(std::vector<Point2*>& vVertices) const;
     /// Makes the zone's border constraints of the mesh, so that no later change of the mesh moves it.
+    /// An edge of the border that once was a constraint and was bent elsewhere can't be one again: the zone
+    /// then follows the bent one.
     /// @return a new ZL_BOUNDED zone of the same triangles; a ZL_INSIDE zone itself, which has such a border;
     /// null, after a warning, if there are no triangles
     Zone2* convertToBoundedZone();
@@ -149,6 +151,8 @@ private:
     friend KELM25D_API Zone2* zoneIntersection(Zone2* pZone0, Zone2* pZone1);
     friend KELM25D_API Zone2* zoneDifference(Zone2* pZone0, Zone2* pZone1);
     friend KELM25D_API Zone2* zoneSymmetricDifference(Zone2* pZone0, Zone2* pZone1);
+
+    class Evaluation;
 
     static Zone2* combine(Zone2* pZone0, Zone2* pZone1, ZoneLocation zoneLoc, const char* where);
     bool isResult() const noexcept {
