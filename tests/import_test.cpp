@@ -234,8 +234,8 @@ TEST(Import, ManyHolesAndPinchesCostLittle) {
         const auto start = std::chrono::steady_clock::now();
         Kelm_2D dt;
         const Zone2* pZone = dt.importTriangles(v, true, false);
-        // Well below a second, where a quadratic cost takes minutes; sanitizers are slower.
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        // About a second at most, where a quadratic cost takes minutes; sanitizers are slower.
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
         EXPECT_EQ("", findImportFault(dt, pZone, v, 0));
     }
 }
