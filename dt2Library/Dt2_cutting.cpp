@@ -31,12 +31,7 @@ namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr double sqSnapDistance = 1e-10; // of a crossing and a corner of its triangle
-
-double sqDistance2D(const Point2& a, const Point2& b) noexcept {
-    const double dx = a.x() - b.x(), dy = a.y() - b.y();
-    return dx * dx + dy * dy;
-}
+constexpr double snapDistance = 1e-5; // of a crossing and a corner of its triangle
 
 /// Right at every scale, where squares are lost.
 double distance2D(const Point2& a, const Point2& b) noexcept {
@@ -348,9 +343,9 @@ Point2* Dt2::Cut::makeVertex(const Point2& point) {
     Point2* pNearest = nullptr;
     double nearest = std::numeric_limits<double>::max();
     const auto consider = [&](Point2* pCandidate) {
-        const double sqDistance = *pCandidate == point ? 0.0 : sqDistance2D(*pCandidate, point);
-        if (sqDistance >= nearest) return;
-        nearest = sqDistance;
+        const double distance = distance2D(*pCandidate, point);
+        if (distance >= nearest) return;
+        nearest = distance;
         pNearest = pCandidate;
     };
     std::vector<Triangle2*> vStack;
@@ -373,12 +368,12 @@ Point2* Dt2::Cut::makeVertex(const Point2& point) {
             if (pN == nullptr || sVisited.contains(pN)) continue;
             const Point2 &p = *pT->aCorner[incIndexBy1(i)], &q = *pT->aCorner[incIndexBy2(i)];
             const Point2 foot = getFootPoint(p, q, point);
-            if (sqDistance2D(foot, point) >= sqSnapDistance || !isOnSegment(p, q, foot)) continue;
+            if (distance2D(foot, point) >= snapDistance || !isOnSegment(p, q, foot)) continue;
             sVisited.insert(pN);
             vStack.push_back(pN);
         }
     }
-    return nearest < sqSnapDistance ? pNearest : dt.insertPoint(point, pLocated);
+    return nearest < snapDistance ? pNearest : dt.insertPoint(point, pLocated);
 }
 
 Point2* Dt2::Cut::vertexAt(const Point2& point) const {
