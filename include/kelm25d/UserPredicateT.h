@@ -13,7 +13,9 @@ class Triangle2;
 class KELM25D_API UserPredicateT {
 public:
     UserPredicateT() = default;
+    /// Nothing is there to be copied.
     UserPredicateT(const UserPredicateT&) = default;
+    /// Nothing is there to be copied.
     UserPredicateT& operator=(const UserPredicateT&) = default;
     virtual ~UserPredicateT();
 

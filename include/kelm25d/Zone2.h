@@ -185,7 +185,8 @@ KELM25D_API Zone2* zoneSymmetricDifference(Zone2* pZone0, Zone2* pZone1);
 /// neighbours come next. What passes but is shielded by triangles that do not pass stays. A triangle may be
 /// tested more than once. The border of the rest becomes constraints of the mesh; the zone itself is left as
 /// it is.
-/// @param pPredicate not null, the caller's
+/// @param pZone the zone, of any location
+/// @param pPredicate the test, the caller's; null gives a warning and a null result
 /// @param bVerbose print counts and areas before and after
 /// @return a new ZL_GROW zone of what is left; null if nothing is left, and, after a warning, if the zone is
 /// null or empty
