@@ -3,8 +3,8 @@
 //
 // Records of a pool stand side by side, so the set is a bit for each address at which one could begin, in
 // pages that are found by a hash table of the upper parts of the addresses. Whoever visits neighbours mostly
-// stays in few pages, which are small enough for the cache: a question costs some 2 ns, where a tree costs a
-// hundred and more. Reading the set in order is reading the bits.
+// stays in few pages, which are small enough for the cache: a question costs some 2 ns. Reading the set in
+// order is reading the bits.
 #pragma once
 
 #include <algorithm>

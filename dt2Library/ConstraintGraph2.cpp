@@ -8,6 +8,7 @@
 #include "Dt2.h"
 #include "LeafWalk.h"
 #include "footPoint.h"
+#include "measures.h"
 #include "messages.h"
 
 #include <kelm25d/Visualizer2.h>
@@ -26,10 +27,6 @@ namespace {
 constexpr double nearApex = 0.001;
 constexpr double nearRatio = 0.01;
 constexpr double touchingApex = 1e-6;
-
-double distance2D(const Point2& a, const Point2& b) {
-    return std::hypot(a.x() - b.x(), a.y() - b.y());
-}
 
 /// The one or two segments at each vertex, as a hash table with linear probing.
 class IncidenceTable {

@@ -5,6 +5,7 @@
 
 #include "Dt2.h"
 #include "InnerVtxMgr.h"
+#include "measures.h"
 #include "messages.h"
 
 #include <algorithm>
@@ -21,10 +22,6 @@ int nextLabel = 0; // one counter for all triangulations, never reset and not gu
 
 const char* const runsBackText =
     "the point lies on the segment's line beyond an end, the segment is not divided";
-
-double distance2D(const Point2& a, const Point2& b) {
-    return std::hypot(a.x() - b.x(), a.y() - b.y()); // squares would be lost at very small scales
-}
 
 /// Whether p stands beyond an end by no more than the rounding of a computed point, as a + 1.0 * (b - a) may:
 /// the end is meant then. A piece to a place just beside it would cross what ends there.

@@ -13,14 +13,15 @@
 #include "Dt2.h"
 
 #include "AddressSet.h"
+#include "VertexPairHash.h"
 #include "footPoint.h"
+#include "measures.h"
 #include "messages.h"
 
 #include <kelm25d/VertexPair2.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <functional>
 #include <iostream>
 #include <limits>
@@ -32,15 +33,6 @@ namespace QUOR_KELM25D {
 namespace {
 
 constexpr double snapDistance = 1e-5; // of a crossing and a corner of its triangle
-
-/// Right at every scale, where squares are lost.
-double distance2D(const Point2& a, const Point2& b) noexcept {
-    return std::hypot(a.x() - b.x(), a.y() - b.y());
-}
-
-bool isFinite(const Point2& p) noexcept {
-    return std::isfinite(p.x()) && std::isfinite(p.y());
-}
 
 bool areBoxesApart(const Point2& p, const Point2& q, const Point2& a, const Point2& b) noexcept {
     return std::max(p.x(), q.x()) < std::min(a.x(), b.x()) ||
@@ -55,14 +47,6 @@ Point2 withHeightOf(const Point2& p, const Point2& q, Point2 point) noexcept {
     point.setZ(p.z() + (q.z() - p.z()) * share);
     return point;
 }
-
-struct VertexPairHash {
-    std::size_t operator()(const VertexPair2& pair) const noexcept {
-        const auto a = reinterpret_cast<std::uintptr_t>(pair.getVertex0());
-        const auto b = reinterpret_cast<std::uintptr_t>(pair.getVertex1());
-        return static_cast<std::size_t>((a ^ (b << 20 | b >> 12)) * 0x9e3779b97f4a7c15ULL >> 16);
-    }
-};
 
 /// Appends the alive pieces of a segment in order from the one of its ends on.
 void appendPieces(ConstraintSegment2* pCSeg, const Point2* pFrom, std::vector<ConstraintSegment2*>& vOut) {
@@ -120,8 +104,9 @@ public:
     void insertVertices();
     /// Divides the constraints that the edges are at the vertices on them.
     void divideEdges();
-    /// Makes the knives chains of constraints; the pieces are appended.
+    /// Makes the knives chains of constraints.
     void insertKnives();
+    /// Appends the pieces of the knives as they are now.
     void getPieces(std::vector<ConstraintSegment2*>& vCSegsOut) const;
 
 private:

@@ -5,29 +5,21 @@
 
 #include "messages.h"
 
+#include <kelm25d/VertexPair2.h>
 #include <kelm25d/Visualizer2.h>
 
 #include <algorithm>
-#include <functional>
 
 namespace QUOR_KELM25D {
 
 namespace {
 
-// The ends of an edge, the lower address first. The order of these pairs is the order of drawing.
-using EdgeEnds = std::pair<const Point2*, const Point2*>;
-
-void addEdges(Visualizer2& page, const std::vector<EdgeEnds>& vEdges, const Color& color) {
-    for (const EdgeEnds& ends : vEdges)
-        page.addObject(Segment2(*ends.first, *ends.second), color);
-}
-
-void sortUnique(std::vector<EdgeEnds>& vEdges) {
-    const std::less<const Point2*> isLower;
-    std::sort(vEdges.begin(), vEdges.end(), [&](const EdgeEnds& a, const EdgeEnds& b) {
-        return a.first != b.first ? isLower(a.first, b.first) : isLower(a.second, b.second);
-    });
+/// Draws each edge once, by the addresses of its ends.
+void addEdges(Visualizer2& page, std::vector<VertexPair2>& vEdges, const Color& color) {
+    std::sort(vEdges.begin(), vEdges.end());
     vEdges.erase(std::unique(vEdges.begin(), vEdges.end()), vEdges.end());
+    for (const VertexPair2& ends : vEdges)
+        page.addObject(Segment2(*ends.getVertex0(), *ends.getVertex1()), color);
 }
 
 } // namespace
@@ -45,19 +37,17 @@ void Dt2::show(Visualizer2* pVisualizer, bool bWithConstraints) const {
     }
     std::vector<Triangle2*> vTriangles;
     getTrianglePointers(vTriangles);
-    std::vector<EdgeEnds> vEdges, vConstraintEdges;
+    std::vector<VertexPair2> vEdges, vConstraintEdges;
     vEdges.reserve(3 * vTriangles.size());
     for (const Triangle2* pT : vTriangles) {
         for (int i = 0; i < 3; ++i) {
-            const Point2* pA = pT->getCorner(incIndexBy1(i));
-            const Point2* pB = pT->getCorner(incIndexBy2(i));
-            std::vector<EdgeEnds>& vOfKind =
+            Point2* pA = pT->getCorner(incIndexBy1(i));
+            Point2* pB = pT->getCorner(incIndexBy2(i));
+            std::vector<VertexPair2>& vOfKind =
                 segmentTable.isConstraintEdge(pA, pB) ? vConstraintEdges : vEdges;
-            vOfKind.push_back(std::less<const Point2*>()(pA, pB) ? EdgeEnds(pA, pB) : EdgeEnds(pB, pA));
+            vOfKind.emplace_back(pA, pB);
         }
     }
-    sortUnique(vEdges);
-    sortUnique(vConstraintEdges);
     addEdges(*pVisualizer, vEdges, Color(CBLACK, 0.01F, false));
     // Without emphasis thinner than the other edges, deliberately.
     addEdges(*pVisualizer, vConstraintEdges,

@@ -3,22 +3,18 @@
 #include "Dt2.h"
 
 #include "binaryFile.h"
+#include "measures.h"
 #include "messages.h"
 
 #include <kelm25d/ConstraintSegment2.h>
 
 #include <algorithm>
-#include <cmath>
 
 namespace QUOR_KELM25D {
 
 namespace {
 
 constexpr std::int32_t typeTriangulation = 301;
-
-bool isFinite(const Point2& point) {
-    return std::isfinite(point.x()) && std::isfinite(point.y());
-}
 
 } // namespace
 

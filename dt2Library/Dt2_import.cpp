@@ -21,6 +21,7 @@
 #include "OpenEdges.h"
 #include "Partitioner.h"
 #include "PlaceTable.h"
+#include "measures.h"
 #include "messages.h"
 #include "prefetch.h"
 
@@ -59,10 +60,6 @@ Bbox2 frameAround(const Bbox2& box) {
     frame.setMaxX(std::max(frame.get_maxX(), std::nextafter(box.get_maxX(), infinity)));
     frame.setMaxY(std::max(frame.get_maxY(), std::nextafter(box.get_maxY(), infinity)));
     return frame;
-}
-
-bool isFinite(const Point2& p) noexcept {
-    return std::isfinite(p.x()) && std::isfinite(p.y());
 }
 
 /// Says in the end that the triangles are no triangulation, unless all went well.

@@ -8,6 +8,7 @@
 
 #include "AddressSet.h"
 #include "FloodBarrier.h"
+#include "measures.h"
 #include "messages.h"
 #include "ringTools.h"
 
@@ -15,10 +16,8 @@
 #include <kelm25d/rings.h>
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <iostream>
-#include <memory>
 
 namespace QUOR_KELM25D {
 
@@ -44,7 +43,7 @@ Zone2* Dt2::createZone(ConstraintGraph2* pConstraintGraph, ZoneLocation zoneLoc)
                      "called on a triangulation which has no triangles yet. Returning NULL");
         return nullptr;
     }
-    if (zoneLoc == ZL_GLOBAL || (zoneLoc >= ZL_RESULT_UNION && zoneLoc <= ZL_RESULT_SYMMETRIC_DIFFERENCE)) {
+    if (zoneLoc == ZL_GLOBAL || Zone2::isResult(zoneLoc)) {
         return keep(new Zone2(this, zoneLoc));
     }
     if (pConstraintGraph == nullptr) {
@@ -96,7 +95,7 @@ Zone2* Dt2::createZone(const std::vector<Edge2>& vEdges, ZoneLocation zoneLoc) {
 bool Dt2::findStartPoint(const std::vector<Triangle2*>& vComponent, Point2& startPoint) {
     for (const Triangle2* pT : vComponent) {
         startPoint = pT->getBarycenter();
-        if (!std::isfinite(startPoint.x()) || !std::isfinite(startPoint.y())) continue;
+        if (!isFinite(startPoint)) continue;
         bool bInside = true;
         for (int i = 0; i < 3; ++i) {
             bInside = bInside && quorTest.getEdgeOrientation(pT, i, &startPoint) == ORIENTATION2_CCW;

@@ -15,8 +15,9 @@ namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr std::size_t smallFlood = 4096;     // triangles
-constexpr std::size_t lookupsPerSearch = 10; // that many of an edge's segment cost as much as finding an edge
+constexpr std::size_t smallFlood = 4096; // triangles
+constexpr std::size_t lookupsPerSearch =
+    10; // finding an edge is that much dearer, roughly, than looking one up
 
 } // namespace
 

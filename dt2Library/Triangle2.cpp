@@ -9,6 +9,7 @@
 // trusted.
 #include <kelm25d/Triangle2.h>
 
+#include "measures.h"
 #include "messages.h"
 #include "sqDistance25D.h"
 
@@ -33,8 +34,7 @@ Point2 shifted(const Point2& p, double ox, double oy) noexcept {
 }
 
 double angleInDegrees(const Vector2& a, const Vector2& b) noexcept {
-    const double cosine = std::clamp(normalize(a) * normalize(b), -1.0, 1.0);
-    return std::acos(cosine) * 57.295779513;
+    return angleOfCosine(normalize(a) * normalize(b));
 }
 
 Vector2 flat(const Vector2& v) noexcept {

@@ -293,7 +293,7 @@ const std::vector<Triangle2*>& Zone2::Evaluation::run() {
         }
         if (task.bOperandsDone) {
             combineOperands(zone);
-        } else if (!zone.isResult()) { // a result without operands stays empty
+        } else if (!isResult(zone.zoneLoc)) { // a result without operands stays empty
             zone.getTriangles(node.vTriangles);
             sortByAddress(node.vTriangles);
         }

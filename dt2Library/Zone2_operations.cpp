@@ -6,13 +6,13 @@
 #include "AddressSet.h"
 #include "Dt2.h"
 #include "Histogram.h"
+#include "measures.h"
 #include "messages.h"
 
 #include <kelm25d/UserPredicateT.h>
 #include <kelm25d/Vector2.h>
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <iostream>
 
@@ -20,7 +20,6 @@ namespace QUOR_KELM25D {
 
 namespace {
 
-constexpr double degreesPerRadian = 57.295779513;
 constexpr double smallAngle = 10.0; // of analyzeAngles, in degrees
 
 template <class Area>
@@ -174,8 +173,7 @@ void Zone2::analyzeAngles() {
         for (int i = 0; i < 3; ++i) {
             const Triangle2* pN = pT->getOppositeTriangle(i);
             if (pN == nullptr) continue;
-            const double cosine = std::clamp(normal * pN->getNormalVector(), -1.0, 1.0);
-            const double angle = std::acos(cosine) * degreesPerRadian;
+            const double angle = angleOfCosine(normal * pN->getNormalVector());
             sum += angle;
             ++numAngles;
             if (!(angle > smallAngle)) continue;

@@ -16,11 +16,11 @@
 
 #include "AddressSet.h"
 #include "Dt2.h"
+#include "VertexPairHash.h"
+#include "measures.h"
 #include "messages.h"
 #include "prefetch.h"
 #include "sqDistance25D.h"
-
-#include <kelm25d/VertexPair2.h>
 
 #include <algorithm>
 #include <cmath>
@@ -52,10 +52,6 @@ bool fallsToTheRight(const Point2* p, const Point2* q) {
 }
 
 // --- by angles between triangles --------------------------------------------------------------------------
-
-double angleOfCosine(double cosine) {
-    return std::acos(std::clamp(cosine, -1.0, 1.0)) * 57.295779513;
-}
 
 double angle(const Vector2& unit0, const Vector2& unit1) {
     return angleOfCosine(unit0 * unit1);
@@ -175,14 +171,6 @@ public:
     }
 
 private:
-    struct HashOfPair {
-        std::size_t operator()(const VertexPair2& pair) const noexcept {
-            const auto p0 = reinterpret_cast<std::uintptr_t>(pair.getVertex0());
-            const auto p1 = reinterpret_cast<std::uintptr_t>(pair.getVertex1());
-            return static_cast<std::size_t>((p0 * 0x9e3779b97f4a7c15ULL ^ p1) * 0xc2b2ae3d27d4eb4fULL >> 7);
-        }
-    };
-
     static bool isOnHull(const Edge2& edge) {
         return edge.getTriangle()->getOppositeTriangle(edge.getIndex()) == nullptr;
     }
@@ -221,7 +209,7 @@ private:
     double planarTolerance;
     std::vector<Triangle2*> vTriangles;
     TriangleSet sZoneTriangles; // stays right: both triangles of every flip are elements
-    std::unordered_set<VertexPair2, HashOfPair> sNewDiagonals;
+    std::unordered_set<VertexPair2, VertexPairHash> sNewDiagonals;
 };
 
 /// The rule for directions: only what is horizontal or rises to the right may stay.

@@ -12,6 +12,7 @@
 #include <kelm25d/Orientation2.h>
 #include <kelm25d/Vector2.h>
 
+#include "measures.h"
 #include "messages.h"
 
 #include <algorithm>
@@ -28,9 +29,8 @@ namespace {
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
 bool isFinite(const std::vector<Segment2>& vSegments) {
-    const auto isFinitePoint = [](const Point2& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); };
     return std::all_of(vSegments.begin(), vSegments.end(), [&](const Segment2& segment) {
-        return isFinitePoint(segment.getSrc()) && isFinitePoint(segment.getTrg());
+        return isFinite(segment.getSrc()) && isFinite(segment.getTrg());
     });
 }
 
@@ -154,8 +154,7 @@ std::size_t findSharpestRightTurn(const std::vector<Segment2>& vRing, const std:
         const Segment2 candidate = startingAt(connector, vRing[*it / 2]);
         const Point2 src = candidate.getSrc(), trg = candidate.getTrg();
         KELM_CHECK(src==connector);
-        const double cosine = std::clamp(back * unitVector2D(src, trg), -1.0, 1.0);
-        double angle = std::acos(cosine) * 57.295779513;
+        double angle = angleOfCosine(back * unitVector2D(src, trg));
         // Not 360 - angle, the true turn: this order of the candidates on the other side is deliberate.
         if (getOrientation2_mt(&lastTo, &lastFrom, &trg) == ORIENTATION2_CW) angle += 180.0;
         if (angle < best) {

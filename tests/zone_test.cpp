@@ -5,7 +5,7 @@
 #include "zoneModel.h"
 
 #include <functional>
-#include <numeric>
+#include <memory>
 
 namespace {
 

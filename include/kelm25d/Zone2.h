@@ -155,7 +155,7 @@ private:
     class Evaluation;
 
     static Zone2* combine(Zone2* pZone0, Zone2* pZone1, ZoneLocation zoneLoc, const char* where);
-    bool isResult() const noexcept {
+    static bool isResult(ZoneLocation zoneLoc) noexcept {
         return zoneLoc >= ZL_RESULT_UNION && zoneLoc <= ZL_RESULT_SYMMETRIC_DIFFERENCE;
     }
     void checkLocation(bool bAccepted, const char* text) const;
