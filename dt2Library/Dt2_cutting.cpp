@@ -13,6 +13,7 @@
 #include "Dt2.h"
 
 #include "AddressSet.h"
+#include "Fan.h"
 #include "VertexPairHash.h"
 #include "footPoint.h"
 #include "measures.h"
@@ -129,7 +130,8 @@ private:
     void treatCollinear(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge);
     bool treatCrossing(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge);
     CutEdge& getCutEdge(Point2* p, Point2* q);
-    void addConflictTriangles(const Point2& point, TriangleSet& sTriangles);
+    void constrainEdges(const TriangleSet& sTriangles, bool bWithHull);
+    bool addConflictTriangles(const Point2& point, TriangleSet& sTriangles);
     Point2* makeVertex(const Point2& point);
     Point2* vertexAt(const Point2& point) const;
 
@@ -237,56 +239,57 @@ bool Dt2::Cut::treatCrossing(Knife& knife, const Point2& a, const Point2& b, Cut
 
 void Dt2::Cut::protect() {
     TriangleSet sTriangles;
+    bool bInside = true; // all ends lie within the hull
     for (const Knife& knife : vKnives) {
-        addConflictTriangles(knife.src, sTriangles);
-        addConflictTriangles(knife.trg, sTriangles);
+        bInside = addConflictTriangles(knife.src, sTriangles) && bInside;
+        bInside = addConflictTriangles(knife.trg, sTriangles) && bInside;
         for (const Point2& point : knife.vCutPoints) {
             addConflictTriangles(point, sTriangles);
         }
     }
     VertexSet sEnds;
     for (const CutEdge& edge : vCutEdges) {
-        for (Point2* pEnd : {edge.p, edge.q}) {
+        for (const Point2* pEnd : {edge.p, edge.q}) {
             if (!sEnds.insert(pEnd)) continue;
-            std::vector<Triangle2*> vFan;
-            dt.getIncidentTriangles(pEnd, vFan);
-            for (const Triangle2* pT : vFan) {
-                sTriangles.insert(pT);
+            for (Fan fan(pEnd); fan.getTriangle() != nullptr; fan.advance()) {
+                sTriangles.insert(fan.getTriangle());
             }
         }
     }
+    constrainEdges(sTriangles, !bInside);
+}
+
+/// Makes the edges of triangles constraints, with bWithHull also those of the hull: what is joined to an end
+/// outside must not be repaired across the hull as it is.
+void Dt2::Cut::constrainEdges(const TriangleSet& sTriangles, bool bWithHull) {
     ConstraintMgr::Pairs vPairs;
-    const bool bOutside = std::any_of(vKnives.begin(), vKnives.end(), [&](const Knife& knife) {
-        return dt.locate(knife.src) == nullptr || dt.locate(knife.trg) == nullptr;
-    });
-    if (bOutside) { // what is joined to such an end must not be repaired across the hull as it is
-        std::vector<Edge2> vHullNow;
-        dt.getHullEdges(vHullNow);
-        for (const Edge2& edge : vHullNow) {
-            const bool bFromThere = sTriangles.contains(edge.getTriangle());
-            if (bFromThere || dt.isConstraint(edge.getTriangle(), edge.getIndex())) continue;
-            vPairs.emplace_back(edge.getSrc(), edge.getTrg());
-        }
+    const auto addEdge = [&](const Edge2& edge) {
+        if (dt.segmentTable.isConstraintEdge(edge.getTriangle(), edge.getIndex())) return;
+        vPairs.emplace_back(edge.getSrc(), edge.getTrg());
+    };
+    std::vector<Edge2> vHullNow;
+    if (bWithHull) dt.getHullEdges(vHullNow);
+    for (const Edge2& edge : vHullNow) {
+        if (!sTriangles.contains(edge.getTriangle())) addEdge(edge);
     }
     std::vector<Triangle2*> vTriangles;
     sTriangles.appendTo(vTriangles);
-    for (const Triangle2* pT : vTriangles) {
+    for (Triangle2* pT : vTriangles) {
         for (int i = 0; i < 3; ++i) {
             const Triangle2* pN = pT->aOppTriangle[i];
             const bool bFromThere =
                 pN != nullptr && std::less<const Triangle2*>()(pN, pT) && sTriangles.contains(pN);
-            if (bFromThere || dt.segmentTable.isConstraintEdge(pT, i)) continue;
-            vPairs.emplace_back(pT->aCorner[incIndexBy1(i)], pT->aCorner[incIndexBy2(i)]);
+            if (!bFromThere) addEdge(Edge2(pT, i));
         }
     }
     // They are edges already, so nothing has to be inserted.
     if (!vPairs.empty()) dt.constraintMgr.createConstraint(vPairs, CIS_CONSTRAINED_DELAUNAY, false);
 }
 
-/// The triangles that have the point in their circle, or on it.
-void Dt2::Cut::addConflictTriangles(const Point2& point, TriangleSet& sTriangles) {
+/// Adds the triangles that have the point in their circle, or on it. False if it lies outside the hull.
+bool Dt2::Cut::addConflictTriangles(const Point2& point, TriangleSet& sTriangles) {
     Triangle2* pStart = dt.locate(point);
-    if (pStart == nullptr) return;
+    if (pStart == nullptr) return false;
     std::vector<Triangle2*> vStack = {pStart};
     TriangleSet sTested(vStack);
     while (!vStack.empty()) {
@@ -298,6 +301,7 @@ void Dt2::Cut::addConflictTriangles(const Point2& point, TriangleSet& sTriangles
             if (dt.quorTest.circleIncFiltered(pN, &point) != 2) vStack.push_back(pN);
         }
     }
+    return true;
 }
 
 // --- vertices ---------------------------------------------------------------------------------------------
