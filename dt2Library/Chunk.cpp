@@ -3,12 +3,11 @@
 
 #include "Chunk.h"
 
-#include "Dt2.h"
-#include "messages.h"
+#include "Flood.h"
+#include "Mesh2.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 
 namespace QUOR_KELM25D {
@@ -18,42 +17,6 @@ namespace {
 constexpr double circleEnlargement = 1.05; // of the radius, when asking what reaches the chunk's box
 constexpr double boxMargin = 0.01;         // of the extents, around the circles
 constexpr double wellConditioned = 1e-9;   // least ratio of the doubled area to the sum of its terms
-
-/// Set of triangles met by a search: open addressing, doubled when half full.
-class VisitedSet {
-public:
-    VisitedSet() : vSlots(256, nullptr) {}
-
-    /// False if the triangle was in the set already.
-    bool insert(const Triangle2* pT) {
-        if (2 * (count + 1) > vSlots.size()) grow();
-        return place(pT);
-    }
-
-private:
-    bool place(const Triangle2* pT) {
-        const std::size_t mask = vSlots.size() - 1;
-        std::size_t i =
-            (reinterpret_cast<std::uintptr_t>(pT) / sizeof(Triangle2)) * 0x9e3779b97f4a7c15ULL >> 32;
-        for (i &= mask; vSlots[i] != nullptr; i = (i + 1) & mask) {
-            if (vSlots[i] == pT) return false;
-        }
-        vSlots[i] = pT;
-        ++count;
-        return true;
-    }
-    void grow() {
-        std::vector<const Triangle2*> vOld(2 * vSlots.size(), nullptr);
-        vOld.swap(vSlots);
-        count = 0;
-        for (const Triangle2* pT : vOld) {
-            if (pT != nullptr) place(pT);
-        }
-    }
-
-    std::vector<const Triangle2*> vSlots;
-    std::size_t count = 0;
-};
 
 /// A circle that surely holds the corners of a triangle and very nearly is its circumcircle; infinite where
 /// the circumcircle can't be told.
@@ -108,20 +71,20 @@ void widen(Bbox2& box, const Circle& circle, const Bbox2& frame) {
 } // namespace
 
 Triangle2* FreshTriangles::take() {
-    if (count == 0) count = pDt->createTriangles(refill, pFirst);
+    if (count == 0) count = mesh.createTriangles(refill, pFirst);
     --count;
     return pFirst++;
 }
 
 void FreshTriangles::giveBack() {
-    pDt->releaseTriangles(pFirst, count);
+    mesh.releaseTriangles(pFirst, count);
     count = 0;
 }
 
-Chunk::Chunk(Dt2* pDt_, const Bbox2& frame_, const DenseVertices& denseVertices_, std::size_t firstIdx_,
+Chunk::Chunk(Mesh2& mesh_, const Bbox2& frame_, const DenseVertices& denseVertices_, std::size_t firstIdx_,
              std::size_t lastIdx_, const Point2* pNear_)
-    : pDt(pDt_), frame(frame_), denseVertices(denseVertices_), firstIdx(firstIdx_),
-      lastIdx(lastIdx_), aNear{pNear_, pNear_, pNear_}, inserter(quorTest, pDt_->segmentTable) {
+    : mesh(mesh_), frame(frame_), denseVertices(denseVertices_), firstIdx(firstIdx_),
+      lastIdx(lastIdx_), aNear{pNear_, pNear_, pNear_}, inserter(quorTest, mesh_.getSegmentTable()) {
     // The two maxima go in with their sign, deliberately; what they do not cover widens the filter.
     const double asWritten = 1.01 * std::max(frame.get_maxX(), frame.get_maxY());
     quorTest.setRange(
@@ -134,28 +97,21 @@ void Chunk::prepare() {
     }
     const Point2 corner = ownBox.getMinPoint();
     Triangle2* pStartT = aNear[0]->getIncidentTriangle();
-    int edgeIdx = -1;
-    inserter.locateFrom(&corner, pStartT, edgeIdx);
-    std::copy_n(pStartT->aCorner, 3, aNear);
+    pStartT = inserter.locateFrom(&corner, pStartT).pT;
+    std::copy_n(pStartT->getCorners(), 3, aNear);
 
-    // All triangles whose circle reaches the border of the box are connected: a search from the one at a
-    // corner finds them, and those around them that it turns away are their neighbours.
+    // All triangles whose circle reaches the border of the box are connected: a flood from the one at a
+    // corner finds them, and those around them, whose circles count as well, but lead no farther.
     Bbox2 extremes = ownBox;
-    VisitedSet visited;
-    std::vector<Triangle2*> vT = {pStartT};
-    visited.insert(pStartT);
-    widen(extremes, circumcircle(*pStartT), frame);
-    while (!vT.empty()) {
-        const Triangle2* pT = vT.back();
-        vT.pop_back();
-        for (int i = 0; i < 3; ++i) {
-            Triangle2* pN = pT->getOppositeTriangle(i);
-            if (pN == nullptr || !visited.insert(pN)) continue;
-            const Circle circle = circumcircle(*pN);
-            widen(extremes, circle, frame);
-            if (!circle.isFinite() || reachesBorder(ownBox, circle, circleEnlargement * circle.radius)) {
-                vT.push_back(pN);
-            }
+    Flood flood({pStartT});
+    while (const Triangle2* pT = flood.next()) {
+        const Circle circle = circumcircle(*pT);
+        widen(extremes, circle, frame);
+        const bool bReaches = pT == pStartT || !circle.isFinite() ||
+                              reachesBorder(ownBox, circle, circleEnlargement * circle.radius);
+        if (!bReaches) continue;
+        for (Triangle2* pN : pT->getOppositeTriangles()) {
+            if (pN != nullptr) flood.reach(pN);
         }
     }
 
@@ -174,7 +130,7 @@ Triangle2* Chunk::getStart() const noexcept {
     for (const Point2* pNear : aNear) {
         Triangle2* pT = pNear->getIncidentTriangle();
         int numInBox = 0;
-        for (const Point2* pCorner : pT->aCorner) {
+        for (const Point2* pCorner : pT->getCorners()) {
             if (influenceBox.isInBox(*pCorner)) ++numInBox;
         }
         if (numInBox >= 2) return pT;
@@ -189,27 +145,23 @@ void Chunk::run(FreshTriangles& fresh) {
 }
 
 Triangle2* Chunk::insert(Point2* p, Triangle2* pHint, FreshTriangles& fresh) {
-    Triangle2* pT = pHint;
-    int edgeIdx = -1;
-    const int result = inserter.locateFrom(p, pT, edgeIdx, &influenceBox);
-    if (result == MeshInserter::AT_CORNER) {
-        for (int i = 0; i < 3; ++i) {
-            if (*pT->getCorner(i) == *p) pDt->addDuplicate(p, pT->getCorner(i));
-        }
-        return pT;
+    const Location location = inserter.locateFrom(p, pHint, &influenceBox);
+    if (location.kind == Location::AT_CORNER) {
+        mesh.addDuplicate(p, location.pT->getCorner(location.idx));
+        return location.pT;
     }
-    if (result != MeshInserter::INSIDE) {
+    if (location.kind != Location::INSIDE && location.kind != Location::ON_EDGE) {
         vPostponed.push_back(p);
         return pHint;
     }
     Triangle2* pNew0 = fresh.take();
     Triangle2* pNew1 = fresh.take();
-    return inserter.insertInside(pT, p, edgeIdx, pNew0, pNew1);
+    return inserter.insertInside(location, p, pNew0, pNew1);
 }
 
 void Chunk::insertPostponed() {
     for (Point2* p : vPostponed) {
-        pDt->insertVertex(p, getStart());
+        mesh.insertVertex(p, getStart());
     }
     vPostponed.clear();
 }

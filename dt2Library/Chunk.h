@@ -23,7 +23,7 @@
 
 namespace QUOR_KELM25D {
 
-class Dt2;
+class Mesh2;
 
 /// The entries of a range that are not sparse, by number: every (stride + 1)th entry is left out.
 struct DenseVertices {
@@ -37,14 +37,14 @@ struct DenseVertices {
 /// fresh memory wait for each other while the system clears its pages.
 class FreshTriangles {
 public:
-    FreshTriangles(Dt2* pDt_, int refill_) : pDt(pDt_), refill(refill_) {}
+    FreshTriangles(Mesh2& mesh_, int refill_) : mesh(mesh_), refill(refill_) {}
 
     Triangle2* take();
     /// Gives what is left back. Not while workers run.
     void giveBack();
 
 private:
-    Dt2* pDt;
+    Mesh2& mesh;
     int refill; // triangles a piece
     Triangle2* pFirst = nullptr;
     int count = 0;
@@ -54,7 +54,7 @@ class Chunk {
 public:
     /// The range [firstIdx, lastIdx) of the dense vertices, which is not empty. frame surrounds the whole
     /// mesh; pNear is a vertex of the mesh near the range. Everything is borrowed.
-    Chunk(Dt2* pDt_, const Bbox2& frame_, const DenseVertices& denseVertices_, std::size_t firstIdx_,
+    Chunk(Mesh2& mesh_, const Bbox2& frame_, const DenseVertices& denseVertices_, std::size_t firstIdx_,
           std::size_t lastIdx_, const Point2* pNear_);
 
     /// Computes the influence box. Only reads the mesh, so all chunks may do so at once.
@@ -72,7 +72,7 @@ private:
     Triangle2* getStart() const noexcept;
     Triangle2* insert(Point2* p, Triangle2* pHint, FreshTriangles& fresh);
 
-    Dt2* pDt;
+    Mesh2& mesh;
     const Bbox2& frame;
     DenseVertices denseVertices;
     std::size_t firstIdx, lastIdx;

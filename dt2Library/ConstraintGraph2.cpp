@@ -5,13 +5,11 @@
 
 #include <kelm25d/ConstraintGraph2.h>
 
-#include "Dt2.h"
+#include "ConstraintMgr.h"
 #include "LeafWalk.h"
 #include "footPoint.h"
 #include "measures.h"
 #include "messages.h"
-
-#include <kelm25d/Visualizer2.h>
 
 #include <algorithm>
 #include <cmath>
@@ -105,8 +103,9 @@ void ConstraintGraph2::own(const Segments& vSegments) {
     if (!bIsPolygon) vCSegParents = vSegments;
 }
 
-ConstraintGraph2::ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, ConstraintInsertionStrategy cis_)
-    : pDt(pDt_), cis(cis_), number(pDt->getConstraintMgr().getNumberOfGraphs()) {
+ConstraintGraph2::ConstraintGraph2(ConstraintMgr& mgr_, const Segments& vSegments,
+                                   ConstraintInsertionStrategy cis_)
+    : mgr(mgr_), pDt(mgr_.getDt2()), cis(cis_), number(mgr_.getNumberOfGraphs()) {
     own(vSegments);
     bOriented = bIsPolygon; // counterclockwise then
     if (!bIsPolygon) {
@@ -121,9 +120,9 @@ ConstraintGraph2::ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, Constra
 
 /// The user's directions override those of a polygon, which keeps its order all the same. Of a segment given
 /// twice the first direction holds.
-ConstraintGraph2::ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, const std::vector<bool>& vReverse,
-                                   ConstraintInsertionStrategy cis_)
-    : pDt(pDt_), cis(cis_), number(pDt->getConstraintMgr().getNumberOfGraphs()), bOriented(true) {
+ConstraintGraph2::ConstraintGraph2(ConstraintMgr& mgr_, const Segments& vSegments,
+                                   const std::vector<bool>& vReverse, ConstraintInsertionStrategy cis_)
+    : mgr(mgr_), pDt(mgr_.getDt2()), cis(cis_), number(mgr_.getNumberOfGraphs()), bOriented(true) {
     own(vSegments);
     for (std::size_t i = vSegments.size(); i-- > 0;) {
         setReverse(vSegments[i], vReverse[i]);
@@ -151,8 +150,8 @@ bool ConstraintGraph2::checkAndSortPolygon(const Segments& vSegments) {
     const IncidenceTable::Entry& first = incidences.at(pLeftmost);
     ConstraintSegment2 *pA = first.aSegment[0], *pB = first.aSegment[1];
     if (pB == nullptr) return false;
-    const Orientation2 turn = pDt->getQuorTest().getOrientation2Filtered(pLeftmost, otherEnd(pA, pLeftmost),
-                                                                         otherEnd(pB, pLeftmost));
+    const Orientation2 turn = mgr.getMesh().getQuorTest().getOrientation2Filtered(
+        pLeftmost, otherEnd(pA, pLeftmost), otherEnd(pB, pLeftmost));
     if (turn == ORIENTATION2_COLLINEAR) return false;
     ConstraintSegment2* pCSeg = turn == ORIENTATION2_CCW ? pA : pB;
     Point2* pVtx = pLeftmost;
@@ -209,7 +208,7 @@ bool ConstraintGraph2::isConstraint(Point2* p0, Point2* p1) const {
     ConstraintSegment2::skipLabel(); // once a segment was made for the search; the number is kept
                                      // deliberately
     if (p0 == nullptr || p1 == nullptr) return false;
-    return isConstraint(pDt->getConstraintMgr().getAliveSegment(p0, p1));
+    return isConstraint(mgr.getAliveSegment(p0, p1));
 }
 
 // --- reading ----------------------------------------------------------------------------------------------
@@ -291,13 +290,13 @@ bool ConstraintGraph2::makeDelaunay(double minLength) {
 /// Divides one alive piece, whose children go to the stack, unless it is a Delaunay edge. False if it is none
 /// and can't be divided.
 bool ConstraintGraph2::makeDelaunay(ConstraintSegment2* pCSeg, double sqMin, Segments& vStack) {
-    const Edge2 edge = pDt->findEdge(pCSeg->p0, pCSeg->p1);
+    const Edge2 edge = Mesh2::findEdge(pCSeg->p0, pCSeg->p1);
     Triangle2 *pT0 = edge.getTriangle(), *pT1 = nullptr;
     if (pT0 != nullptr) pT1 = pT0->getOppositeTriangle(edge.getIndex());
     if (pT0 == nullptr || pT1 == nullptr) return true; // on the hull
     const Point2* const aApex[2] = {pT0->getCorner(edge.getIndex()),
                                     pT1->getCorner(pT1->getIntraTriangleIndex(pT0))};
-    if (pDt->getQuorTest().circleIncFiltered(pT0, aApex[1]) != 1) return true;
+    if (mgr.getMesh().getQuorTest().circleIncFiltered(pT0, aApex[1]) != InCircle::INSIDE) return true;
 
     const Point2 &p0 = *pCSeg->p0, &p1 = *pCSeg->p1;
     const double dx = p0.x() - p1.x(), dy = p0.y() - p1.y(), dz = p0.z() - p1.z();
@@ -310,26 +309,6 @@ bool ConstraintGraph2::makeDelaunay(ConstraintSegment2* pCSeg, double sqMin, Seg
     vStack.push_back(pCSeg->aChild[0]);
     vStack.push_back(pCSeg->aChild[1]);
     return true;
-}
-
-// --- drawing ----------------------------------------------------------------------------------------------
-
-void ConstraintGraph2::show(const std::string& filename) const {
-    Visualizer2 visualizer(filename);
-    show(&visualizer, Color(1.0, 0.0, 0.0, 0.5, false));
-    visualizer.writeFile();
-}
-
-void ConstraintGraph2::show(Visualizer2* pVisualizer, const Color& color) const {
-    if (pVisualizer == nullptr) {
-        printWarning("ConstraintGraph2::show()", "no visualizer given");
-        return;
-    }
-    std::vector<Point2*> vVertices;
-    getPolygonVertices(vVertices);
-    for (std::size_t i = 0; i < vVertices.size(); i += 2) {
-        pVisualizer->addObject(Segment2(*vVertices[i], *vVertices[i + 1]), color);
-    }
 }
 
 } // namespace QUOR_KELM25D

@@ -1,16 +1,12 @@
 // Registration of constraint segments, the making of graphs, and the rounds in which segments are inserted.
-// The geometry of all that is in Dt2_constraints.cpp.
+// The geometry of all that is in SegmentInserter.cpp.
 
 #include "ConstraintMgr.h"
 
-#include "Dt2.h"
 #include "LeafWalk.h"
 #include "messages.h"
 
-#include <kelm25d/dataFiles.h>
-
 #include <algorithm>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <limits>
@@ -25,7 +21,6 @@ namespace {
 constexpr int maxRounds = 499;
 constexpr std::size_t maxPieces = 100000;
 constexpr std::size_t maxPiecesPerSegment = 100;
-constexpr int debugDigits = 70;    // enough for every double to come out exactly in the usual range
 constexpr int stepsPerSegment = 3; // of progress: ends, graph, insertion
 
 void sortByEnds(ConstraintMgr::Segments::iterator first, ConstraintMgr::Segments::iterator last) {
@@ -42,7 +37,16 @@ bool isHigher(const Point2* a, const Point2* b) {
 
 } // namespace
 
+ConstraintMgr::ConstraintMgr(Mesh2& mesh_, Dt2* pDt_)
+    : mesh(mesh_), segmentTable(mesh_.getSegmentTable()), pDt(pDt_), inserter(mesh_, *this) {
+    mesh.addListener(this);
+}
+
 ConstraintMgr::~ConstraintMgr() = default;
+
+void ConstraintMgr::onEdgeDivided(ConstraintSegment2* pSegment, Point2* pSplit) {
+    pSegment->divide(pSplit);
+}
 
 // --- the registry -----------------------------------------------------------------------------------------
 
@@ -80,7 +84,7 @@ ConstraintGraph2* ConstraintMgr::keep(ConstraintGraph2* pGraph) {
 
 ConstraintGraph2* ConstraintMgr::createConstraint(const Pairs& vPairs, ConstraintInsertionStrategy cis,
                                                   bool bApply) {
-    ProgressPublisher& progress = pDt->getProgress();
+    ProgressPublisher& progress = mesh.getProgress();
     progress.begin("establish constraints", toSteps(stepsPerSegment * vPairs.size()));
     Segments vNew;
     vNew.reserve(vPairs.size());
@@ -95,7 +99,7 @@ ConstraintGraph2* ConstraintMgr::createConstraint(const Pairs& vPairs, Constrain
         }
         vNew.push_back(getSegment(pair.first, pair.second, cis));
     }
-    ConstraintGraph2* pGraph = keep(new ConstraintGraph2(pDt, vNew, cis));
+    ConstraintGraph2* pGraph = keep(new ConstraintGraph2(*this, vNew, cis));
     progress.advanceSteps(vNew.size());
     if (bApply) applyAll(vNew);
     progress.finish();
@@ -139,12 +143,12 @@ bool ConstraintMgr::insertEnds(const std::vector<Segment2>& vSegments2, bool bFi
     }
     std::vector<Point2*> vHandles;
     {
-        const MuteProgress mute(pDt->getProgress());
+        const MuteProgress mute(mesh.getProgress());
         // Several threads would go by the vertices that wait for the third point off their line.
-        const int numCPU = pDt->getNumCPU();
-        if (!pDt->is2D()) pDt->setNumCPU(1);
-        pDt->insertVector(vEnds, &vHandles);
-        pDt->setNumCPU(numCPU);
+        const int numCPU = mesh.getNumCPU();
+        if (!mesh.is2D()) mesh.setNumCPU(1);
+        mesh.insertVector(vEnds, &vHandles);
+        mesh.setNumCPU(numCPU);
     }
     if (vHandles.front() == nullptr) return false;
     vPairs.reserve(vSegments2.size());
@@ -154,18 +158,17 @@ bool ConstraintMgr::insertEnds(const std::vector<Segment2>& vSegments2, bool bFi
     return true;
 }
 
-ConstraintGraph2* ConstraintMgr::createConstraint(const std::vector<Segment2>& vSegments2,
-                                                  ConstraintInsertionStrategy cis) {
+ConstraintGraph2* ConstraintMgr::createUserConstraint(const std::vector<Segment2>& vSegments,
+                                                      ConstraintInsertionStrategy cis,
+                                                      bool bOrientedSegments) {
+    if (vSegments.empty()) {
+        printWarning("Dt2::createConstraint(..)", "vSegments is empty, returning NULL");
+        return nullptr;
+    }
+    if (mesh.isBroken("Dt2::createConstraint(..)")) return nullptr;
     Pairs vPairs;
-    if (vSegments2.empty() || !insertEnds(vSegments2, false, vPairs)) return nullptr;
-    return createConstraint(vPairs, cis, true);
-}
-
-ConstraintGraph2* ConstraintMgr::createOrientedConstraint(const std::vector<Segment2>& vSegments2,
-                                                          ConstraintInsertionStrategy cis) {
-    Pairs vPairs;
-    if (vSegments2.empty() || !insertEnds(vSegments2, true, vPairs)) return nullptr;
-    return createOriented(vPairs, cis);
+    if (!insertEnds(vSegments, bOrientedSegments, vPairs)) return nullptr;
+    return bOrientedSegments ? createOriented(vPairs, cis) : createConstraint(vPairs, cis, true);
 }
 
 ConstraintGraph2* ConstraintMgr::createConstraintFromEdges(const std::vector<Edge2>& vEdges,
@@ -185,34 +188,43 @@ ConstraintGraph2* ConstraintMgr::createOriented(const Pairs& vPairs, ConstraintI
         vNew.push_back(getSegment(pair.first, pair.second, cis));
         vReverse.push_back(isHigher(pair.first, pair.second));
     }
-    ConstraintGraph2* pGraph = keep(new ConstraintGraph2(pDt, vNew, vReverse, cis));
+    ConstraintGraph2* pGraph = keep(new ConstraintGraph2(*this, vNew, vReverse, cis));
     applyAll(vNew);
     return pGraph;
 }
 
 // --- insertion --------------------------------------------------------------------------------------------
 
+void ConstraintMgr::applyConstraintsAndZones() {
+    if (!mesh.is2D()) {
+        printWarning("Dt2::applyConstraintsAndZones()",
+                     "The triangulation is not full dimensional yet. Nothing to do");
+        return;
+    }
+    if (!mesh.isBroken("Dt2::applyConstraintsAndZones()")) apply();
+}
+
 void ConstraintMgr::applyMuted(ConstraintSegment2* pSegment) {
-    const MuteProgress mute(pDt->getProgress());
+    const MuteProgress mute(mesh.getProgress());
     applyOne(pSegment);
 }
 
 void ConstraintMgr::applyAll(const Segments& vNew) {
     for (ConstraintSegment2* pSegment : vNew) {
         applyMuted(pSegment);
-        pDt->getProgress().advance(1);
+        mesh.getProgress().advance(1);
     }
 }
 
 void ConstraintMgr::applyOne(ConstraintSegment2* pSegment) {
-    if (!pDt->is2D()) return;
+    if (!mesh.is2D()) return;
     LeafWalk walk({pSegment});
     while (ConstraintSegment2* pCSeg = walk.next()) {
         if (pCSeg->getCIS() == CIS_CONSTRAINED_DELAUNAY) {
-            pDt->newCDT_applyOneCS(pCSeg);
+            inserter.applyOneCS(pCSeg);
         } else if (pCSeg->getCIS() == CIS_CONFORMING_SURFACE_HEIGHT ||
                    pCSeg->getCIS() == CIS_CONFORMING_LINEAR_HEIGHT) {
-            pDt->insertSegmentConformingDelaunay(pCSeg);
+            inserter.insertSegmentConformingDelaunay(pCSeg);
         } else {
             printError("ConstraintMgr::apply()", "Unknown CIS");
         }
@@ -221,10 +233,10 @@ void ConstraintMgr::applyOne(ConstraintSegment2* pSegment) {
 
 void ConstraintMgr::apply() {
     for (const ConstraintSegment2* pDivided : vLeftInMesh) {
-        pDt->newCDT_legalizeEdge(pDivided->getSrc(), pDivided->getTrg());
+        mesh.legalizeEdge(pDivided->getSrc(), pDivided->getTrg());
     }
     vLeftInMesh.clear();
-    ProgressPublisher& progress = pDt->getProgress();
+    ProgressPublisher& progress = mesh.getProgress();
     progress.begin("apply", toSteps(vSegments.size()));
     // What one insertion settles a later one may divide.
     const std::size_t limit = maxPieces + maxPiecesPerSegment * vSegments.size();
@@ -244,48 +256,6 @@ void ConstraintMgr::apply() {
         printWarning("ConstraintMgr::apply()", "insufficient numeric accuracy, need to skip last insertions");
     }
     progress.finish();
-}
-
-// --- debug files ------------------------------------------------------------------------------------------
-
-template <class Write>
-void ConstraintMgr::writeGraphs(const std::string& name, const std::string& ending, const char* where,
-                                const Write& write) const {
-    for (std::size_t i = 0; i < vConstraintGraphs.size(); ++i) {
-        Segments vOriginal, vLeaves;
-        vConstraintGraphs[i]->getOriginalConstraintSegments(vOriginal);
-        LeafWalk walk({vOriginal.rbegin(), vOriginal.rend()});
-        while (ConstraintSegment2* pLeaf = walk.next()) {
-            vLeaves.push_back(pLeaf);
-        }
-        std::vector<Segment2> vPieces;
-        for (const ConstraintSegment2* pLeaf : vLeaves) {
-            vPieces.emplace_back(*pLeaf->getSrc(), *pLeaf->getTrg());
-        }
-        const std::string filename = name + "_c" + std::to_string(i) + ending;
-        printInfo(where, "writes" + std::to_string(vPieces.size()) + " child segments to " + filename);
-        write(filename, vPieces);
-    }
-}
-
-void ConstraintMgr::writeConstraints(const std::string& name) const {
-    const auto writeText = [](const std::string& filename, const std::vector<Segment2>& vPieces) {
-        std::ofstream file(filename);
-        file.precision(debugDigits);
-        for (const Segment2& piece : vPieces) {
-            const Point2 src = piece.getSrc(), trg = piece.getTrg();
-            file << src.x() << '\t' << src.y() << '\t' << src.z() << '\t' << trg.x() << '\t' << trg.y()
-                 << '\t' << trg.z() << '\n';
-        }
-    };
-    writeGraphs(name, ".con", "ConstraintMgr::writeConstraints()", writeText);
-}
-
-void ConstraintMgr::writeConstraintsBIN(const std::string& name) const {
-    writeGraphs(name, "_con.bin", "ConstraintMgr::writeConstraintsBIN()",
-                [](const std::string& filename, const std::vector<Segment2>& vPieces) {
-                    writeSegmentsBIN(filename.c_str(), vPieces);
-                });
 }
 
 } // namespace QUOR_KELM25D

@@ -1,10 +1,9 @@
 // The tree of splits of a constraint segment: owners, leaves, and the division at a vertex.
-// How a segment's edge enters the mesh is in Dt2_constraints.cpp.
+// How a segment's edge enters the mesh is in SegmentInserter.cpp.
 
 #include <kelm25d/ConstraintSegment2.h>
 
-#include "Dt2.h"
-#include "InnerVtxMgr.h"
+#include "ConstraintMgr.h"
 #include "measures.h"
 #include "messages.h"
 
@@ -45,8 +44,8 @@ ConstraintSegment2::ConstraintSegment2(Point2* p0_, Point2* p1_, ConstraintInser
     KELM_CHECK(p0<p1);
 }
 
-Dt2* ConstraintSegment2::getDt2() const noexcept {
-    return sOwners.front().pGraph->getDt2();
+ConstraintMgr& ConstraintSegment2::getMgr() const noexcept {
+    return sOwners.front().pGraph->mgr;
 }
 
 void ConstraintSegment2::skipLabel() noexcept {
@@ -129,7 +128,7 @@ bool ConstraintSegment2::isBelow(const ConstraintSegment2* pRoot) const {
 /// Makes the two pieces to pSplit the children. False, and nothing changed, if one of them contains this
 /// segment: a bent constraint that runs back over itself would never come to an end.
 bool ConstraintSegment2::divide(Point2* pSplit) {
-    ConstraintMgr& mgr = getDt2()->getConstraintMgr();
+    ConstraintMgr& mgr = getMgr();
     for (Point2* pEnd : {p0, p1}) {
         const ConstraintSegment2* pExisting = mgr.findSegment(pEnd, pSplit);
         if (pExisting != nullptr && pExisting->aChild[0] != nullptr && isBelow(pExisting)) {
@@ -168,14 +167,14 @@ bool ConstraintSegment2::split_combinatorialOnly(Point2* pSplit) {
         printError("ConstraintSegment2::split_combinatorialOnly()", runsBackText);
         return false;
     }
-    Dt2* pOwnerDt = getDt2();
-    if (pOwnerDt->is2D() && pSplit->getIncidentTriangle() == nullptr) {
+    ConstraintMgr& mgr = getMgr();
+    if (mgr.getMesh().is2D() && pSplit->getIncidentTriangle() == nullptr) {
         printError("ConstraintSegment2::split_combinatorialOnly()",
                    "the vertex is not part of the mesh, the segment is not divided");
         return false;
     }
     if (!divide(pSplit)) return false;
-    pOwnerDt->getConstraintMgr().addLeftInMesh(this);
+    mgr.addLeftInMesh(this);
     return true;
 }
 
@@ -183,8 +182,8 @@ Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {
     KELM_CHECK(bAlive);
     if (aChild[0] != nullptr) checkFailed("vChildren.empty()", __FILE__, __LINE__);
     KELM_CHECK(!sOwners.empty());
-    Dt2* pOwnerDt = getDt2();
-    KELM_CHECK(pOwnerDt!=0);
+    ConstraintMgr& mgr = getMgr();
+    Mesh2& mesh = mgr.getMesh();
     if (isMeantForEnd(*p0, *p1, point)) return p0;
     if (isMeantForEnd(*p1, *p0, point)) return p1;
     if (runsBack(*p0, *p1, point)) {
@@ -192,17 +191,17 @@ Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {
         return nullptr;
     }
     bAlive = false; // the edge counts as none while the point enters, and may be divided or flipped
-    Point2* pSplit = pOwnerDt->insertPoint(point, p0->getIncidentTriangle());
+    Point2* pSplit = mesh.insertPoint(point, p0->getIncidentTriangle());
     if (pSplit == nullptr || hasEnd(pSplit) || !divide(pSplit)) {
         bAlive = true;
         return pSplit != nullptr && hasEnd(pSplit) ? pSplit : nullptr;
     }
-    if (!pOwnerDt->is2D()) return pSplit;
-    pOwnerDt->newCDT_legalizeEdge(p0, p1); // it may still be there, if the point lies off it
+    if (!mesh.is2D()) return pSplit;
+    mesh.legalizeEdge(p0, p1); // it may still be there, if the point lies off it
     for (ConstraintSegment2* pChild : aChild) {
-        pOwnerDt->getConstraintMgr().applyOne(pChild);
+        mgr.applyOne(pChild);
     }
-    pOwnerDt->legalizeAround(pSplit);
+    mesh.legalizeAround(pSplit);
     return pSplit;
 }
 
@@ -210,8 +209,7 @@ bool ConstraintSegment2::splitAndRemovePrev(const Point2& point) {
     const Point2* pNew = insertAndSplit(point);
     if (pNew == nullptr) return false;
     const double dx = pNew->x() - p0->x(), dy = pNew->y() - p0->y();
-    Dt2* pDt = getDt2();
-    pDt->getInnerVtxMgr().removeNear(*pNew, dx * dx + dy * dy, pDt);
+    getMgr().getInnerVtxMgr().removeNear(*pNew, dx * dx + dy * dy, getMgr().getMesh());
     return true;
 }
 

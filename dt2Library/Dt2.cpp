@@ -1,178 +1,49 @@
-// Construction of a triangulation, insertion of single points, the start, reading and settings.
-// Bulk insertion is in Dt2_bulk.cpp, what happens to triangles in Dt2_location.cpp.
+// The doors of a triangulation.
+// Behind each stands the class that is named with it in the header.
 
 #include "Dt2.h"
 
-#include "messages.h"
-
-#include <kelm25d/Zone2.h>
-
-#include <algorithm>
-#include <cmath>
-#include <thread>
+#include "CookieCutter.h"
+#include "Cut.h"
+#include "Drape.h"
+#include "TriangleImport.h"
 
 namespace QUOR_KELM25D {
 
-namespace {
-
-// A block of the pools is at most this many records; the numbers bound one allocation.
-constexpr int maxVerticesPerBlock = 3125000;
-constexpr int maxTrianglesPerBlock = 4166666;
-constexpr unsigned hilbertBits = 30;
-
-int toBlockSize(double numRecords) noexcept {
-    return static_cast<int>(std::min(numRecords, 2147483647.0));
+Dt2::Dt2(unsigned numExpectedVertices) : mesh(numExpectedVertices) {
+    mesh.addListener(&stuckRemovalDrawing);
 }
 
-} // namespace
-
-Dt2::Dt2(unsigned numExpectedVertices)
-    : hilbert(0.0, 0.0, 0.0, 0.0, hilbertBits), vertexVault(vertexPool, hilbert, quorTest, numCPU),
-      bbox(&quorTest), progress("DT2") {
-    const unsigned numExpected = std::max(3U, numExpectedVertices);
-    vertexPool.init(toBlockSize(numExpected), maxVerticesPerBlock);
-    trianglePool.init(toBlockSize(2.0 * numExpected + 10.0), maxTrianglesPerBlock);
-}
-
-Dt2::~Dt2() {
-    for (const Zone2* pZone : sZones) {
-        delete pZone;
-    }
-}
-
-bool Dt2::isBroken(const char* where) const {
-    if (bImportFailed) {
-        printError(where,
-                   "the triangles imported are no triangulation, they can only be read, drawn and saved");
-    }
-    return bImportFailed;
-}
-
-// --- single points ----------------------------------------------------------------------------------------
-
-/// To be called before points are inserted, with their box. Doubling the own one keeps it from growing often:
-/// a point inside the doubled box costs nothing.
-void Dt2::coverBox(const Bbox2& added) {
-    extent.add(added.getMinPoint());
-    extent.add(added.getMaxPoint());
-    const bool bGrown = bbox.add(added.getMinPoint());
-    if (!bbox.add(added.getMaxPoint()) && !bGrown) return;
-    bbox.doubleTheBox(); // and with it the filter of quorTest
-    hilbert = HC2(bbox.get_minX(), bbox.get_minY(), bbox.get_maxX(), bbox.get_maxY(), hilbertBits);
-    vertexVault.rekey();
-}
-
-Point2* Dt2::insertPoint(const Point2& p, Triangle2* pNear) {
-    if (isBroken("Dt2::insert()")) return nullptr;
-    if (!std::isfinite(p.x()) || !std::isfinite(p.y())) {
-        printError("Dt2::insert()", "a coordinate is not finite, the point is not inserted");
-        return nullptr;
-    }
-    Bbox2 added;
-    added.add(p);
-    coverBox(added);
-    if (!is2D()) {
-        if (Point2* pExisting = vertexVault.findWaiting(p)) return pExisting;
-    }
-    Point2* pVtx = vertexVault.makeVertex(p);
-    const std::uint32_t key = hilbert.getIdx(p);
-    if (!is2D()) {
-        vertexVault.addVertex(key, pVtx);
-        // Vertices that had to wait through a bulk insertion may turn out to be duplicates only now.
-        if (startTriangulation(vertexVault.size())) vertexVault.fixDuplicates(nullptr);
-        return pVtx;
-    }
-    Triangle2* pStart = pNear != nullptr ? pNear : findStart(p);
-    vertexVault.addVertex(key, pVtx);
-    pLastFound = insertVertex(pVtx, pStart);
-    if (!vertexVault.dupIsClean()) return vertexVault.resolveDuplicate(pVtx);
-    vertexVault.sortIfNeeded(true);
-    return pVtx;
-}
-
-/// The first triangle from three vertices that are not collinear, and then all that wait: the first
-/// numPreExistingVtx of the index before the others. False, and nothing changed, if there is no such triple.
-bool Dt2::startTriangulation(std::size_t numPreExistingVtx) {
-    using std::distance; // the checks print their conditions as they stand
-    KELM_CHECK(!vertexVault.bFullDimensional);
-    Point2 *a = nullptr, *b = nullptr, *c = nullptr;
-    if (!vertexVault.getFirstTriple(a, b, c)) return false;
-    // Vertices that came one by one wait in the order they came in: walks between them would cross the mesh.
-    const bool bAll = numPreExistingVtx == vertexVault.size();
-    vertexVault.dropInactive();
-    if (bAll) numPreExistingVtx = vertexVault.size();
-    vertexVault.orderFront(numPreExistingVtx);
-    if (constraintMgr.hasConstraints()) {
-        numPreExistingVtx = vertexVault.orderConstraintVerticesFirst();
-        vertexVault.getFirstTriple(a, b, c); // so that none of them is a duplicate of a constraint's end
-    }
-    vertexVault.setFullDimensional(true);
-    Triangle2* pFirst = createTriangle(a, b, c);
-    VertexVault::EntryIterator startIt, stopIt;
-    vertexVault.getRange(0, startIt, stopIt);
-    KELM_CHECK(numPreExistingVtx<=(size_t)distance(startIt,stopIt));
-    // The three corners are met again among the entries and recognised as already present.
-    const auto middle = startIt + static_cast<std::ptrdiff_t>(numPreExistingVtx);
-    if (startIt != middle) insertRange(startIt, middle, pFirst);
-    if (middle != stopIt) insertRange(middle, stopIt, pFirst);
-    return true;
-}
-
-/// Storage for one more triangle, its contents undefined.
-Triangle2* Dt2::takeTriangle() {
-    if (vDeadTriangles.empty()) return trianglePool.allocate();
-    Triangle2* pT = vDeadTriangles.back();
-    vDeadTriangles.pop_back();
-    return pT;
-}
-
-Triangle2* Dt2::createTriangle(Point2* a, Point2* b, Point2* c) {
-    Triangle2* pT = takeTriangle();
-    pT->setProperties(a, b, c);
-    return pT;
-}
-
-/// A triangle in use has corners; a cleared one waits for its next use.
-void Dt2::recycleTriangle(Triangle2* pT) {
-    pT->clearProperties();
-    vDeadTriangles.push_back(pT);
-}
-
-// --- reading and settings ---------------------------------------------------------------------------------
-
-unsigned Dt2::numberOfTriangles() const {
-    const std::size_t numAllT = trianglePool.size(), numDeadT = vDeadTriangles.size();
-    KELM_CHECK(numDeadT<=numAllT);
-    return static_cast<unsigned>(numAllT - numDeadT);
-}
-
-void Dt2::getTrianglePointers(std::vector<Triangle2*>& vTriangles) const {
-    vTriangles.clear();
-    if (!is2D()) return;
-    vTriangles.reserve(numberOfTriangles());
-    trianglePool.forEach([&](Triangle2& t) {
-        if (t.getCorner(0) != nullptr) vTriangles.push_back(&t);
-    });
-}
-
-void Dt2::getVertexPointers(std::vector<Point2*>& vVertices) const {
-    vertexVault.getVertexPointers(vVertices);
-}
-
-int Dt2::setNumCPU(int numCPU_) {
-    if (numCPU_ > 0) {
-        numCPU = numCPU_;
-    } else if (numCPU_ < 0) {
-        numCPU = 1;
-    } else {
-        KELM_CHECK(numCPU_==0);
-        numCPU = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-    }
-    return numCPU;
+/// Here, where a triangulation is more than a name.
+ZoneMgr* Zone2::managerOf(Dt2* pDt) noexcept {
+    return pDt != nullptr ? &pDt->getZoneMgr() : nullptr;
 }
 
 void Dt2::setDev(const std::string& key, int iValue, double dValue) {
     mDevSettings[key] = std::make_pair(iValue, dValue);
+}
+
+bool Dt2::drape(const std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, double zTolerance) {
+    return Drape(mesh, zTolerance).run(vIn, vOut);
+}
+
+Zone2* Dt2::CAT_importTriangles(std::vector<Point2>& vPoints, bool bReorientIfNeeded,
+                                bool bCreateExtendedBoundingBox) {
+    return TriangleImport(zoneMgr, vPoints).run(bReorientIfNeeded, bCreateExtendedBoundingBox);
+}
+
+void Dt2::CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints,
+                            std::vector<ConstraintSegment2*>& vCSegsOut) {
+    Cut(constraintMgr, vSegments).run(bWithConstraints, vCSegsOut);
+}
+
+void Dt2::CUTT_insertConstraintSegments(Point2* pA, Point2* pB, const std::vector<Point2*>& vSplitPoints,
+                                        std::vector<Point2*>& vSortedPoints) {
+    insertChain(constraintMgr, pA, pB, vSplitPoints, vSortedPoints);
+}
+
+Zone2* Dt2::createZone_cookieCutter(const std::vector<Segment2>& vSegments, bool bWithConstraints) {
+    return CookieCutter(zoneMgr).run(vSegments, bWithConstraints);
 }
 
 } // namespace QUOR_KELM25D

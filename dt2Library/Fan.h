@@ -3,6 +3,9 @@
 // order.
 #pragma once
 
+#include "cornerIndex.h"
+
+#include <kelm25d/Edge2.h>
 #include <kelm25d/Triangle2.h>
 
 namespace QUOR_KELM25D {
@@ -19,18 +22,20 @@ public:
     Triangle2* getTriangle() const noexcept { return pT; }
     /// The index of the vertex in it.
     int getIndex() const noexcept { return pT->getIntraTriangleIndex(pVtx); }
+    /// Whether the vertex lies on the hull, known when all triangles have been visited.
+    bool hasMetHull() const noexcept { return bBack; }
     void advance() noexcept {
         const int i = getIndex();
         if (bBack) {
-            pT = pT->getOppositeTriangle(incIndexBy2(i));
+            pT = pT->getOppositeTriangle(prev(i));
             return;
         }
-        pT = pT->getOppositeTriangle(incIndexBy1(i));
+        pT = pT->getOppositeTriangle(next(i));
         if (pT == pStart) {
             pT = nullptr;
         } else if (pT == nullptr) {
             bBack = true;
-            pT = pStart->getOppositeTriangle(incIndexBy2(pStart->getIntraTriangleIndex(pVtx)));
+            pT = pStart->getOppositeTriangle(prev(pStart->getIntraTriangleIndex(pVtx)));
         }
     }
 
@@ -39,5 +44,26 @@ private:
     Triangle2 *pStart, *pT;
     bool bBack = false; // on the way clockwise from the start
 };
+
+/// The hull edge that begins at a vertex of the hull: the last one clockwise in its fan, from one of its
+/// triangles on.
+inline Edge2 hullEdgeFrom(const Point2* pVtx, Triangle2* pT) noexcept {
+    int i = pT->getIntraTriangleIndex(pVtx);
+    while (Triangle2* pN = pT->getOppositeTriangle(prev(i))) {
+        pT = pN;
+        i = pT->getIntraTriangleIndex(pVtx);
+    }
+    return Edge2(pT, prev(i));
+}
+
+/// The hull edge that ends at a vertex of the hull: the last one counterclockwise in its fan.
+inline Edge2 hullEdgeInto(const Point2* pVtx, Triangle2* pT) noexcept {
+    int i = pT->getIntraTriangleIndex(pVtx);
+    while (Triangle2* pN = pT->getOppositeTriangle(next(i))) {
+        pT = pN;
+        i = pT->getIntraTriangleIndex(pVtx);
+    }
+    return Edge2(pT, next(i));
+}
 
 } // namespace QUOR_KELM25D

@@ -1,11 +1,11 @@
 // The flood itself, and the question whether an edge stops it.
-// Sets of triangles are in AddressSet.h.
+// How a flood goes on is in Flood.h.
 
 #include "FloodBarrier.h"
 
-#include "Dt2.h"
+#include "Flood.h"
+#include "Mesh2.h"
 #include "SegmentTable.h"
-#include "prefetch.h"
 
 #include <algorithm>
 #include <functional>
@@ -50,7 +50,7 @@ void FloodBarrier::findTrianglesAtEdges() {
         if (vPieces.size() > numReached / lookupsPerSearch) return;
     }
     for (const ConstraintSegment2* pPiece : vPieces) {
-        const Edge2 edge = Dt2::findEdge(pPiece->getSrc(), pPiece->getTrg());
+        const Edge2 edge = Mesh2::findEdge(pPiece->getSrc(), pPiece->getTrg());
         Triangle2 *pT0 = nullptr, *pT1 = nullptr;
         int i0 = -1, i1 = -1;
         if (edge.getTriangle() == nullptr) continue; // it waits
@@ -62,28 +62,21 @@ void FloodBarrier::findTrianglesAtEdges() {
 }
 
 void FloodBarrier::flood(std::vector<Triangle2*>& vWorkspace, std::vector<Triangle2*>& vTriangles) {
-    TriangleSet sVisited;
-    std::vector<Triangle2*> vReached; // in the order of reaching them: breadth first
-    for (Triangle2* pSeed : vWorkspace) {
-        if (sVisited.insert(pSeed)) vReached.push_back(pSeed);
-    }
+    Flood flood(vWorkspace);
     vWorkspace.clear();
-    for (std::size_t next = 0; next < vReached.size(); ++next) {
+    while (const Triangle2* pT = flood.next()) {
         // What has become large looks for all edges of the graphs at once, and then reads no vertices.
         if (++numReached == nextSearch && bAnywhere) {
             findTrianglesAtEdges();
             nextSearch *= 2;
         }
-        const Triangle2* pT = vReached[next];
         const bool bAtEdge = bAnywhere || sAtEdges.contains(pT);
         for (int i = 0; i < 3; ++i) {
             Triangle2* pN = pT->getOppositeTriangle(i);
-            if (pN == nullptr || (bAtEdge && stops(pT, i)) || !sVisited.insert(pN)) continue;
-            prefetchRecord(pN); // its turn comes much later, and then it is there
-            vReached.push_back(pN);
+            if (pN != nullptr && !(bAtEdge && stops(pT, i))) flood.reach(pN);
         }
     }
-    sVisited.appendTo(vTriangles);
+    flood.getReached().appendTo(vTriangles);
 }
 
 } // namespace QUOR_KELM25D

@@ -1,5 +1,5 @@
 // A flood over triangles that stops at the edges of some constraint graphs.
-// Where it starts is decided by zones, see Zone2.cpp and Dt2_zones.cpp.
+// Where it starts is decided by zones, see Zone2.cpp.
 #pragma once
 
 #include "AddressSet.h"

@@ -1,16 +1,16 @@
 // Removal of the mesh generator's vertices around a place.
-// The removal of one vertex is in Dt2_removal.cpp.
+// The removal of one vertex is in Mesh2_removal.cpp.
 
 #include "InnerVtxMgr.h"
 
-#include "Dt2.h"
+#include "Mesh2.h"
 
 #include <cmath>
 #include <vector>
 
 namespace QUOR_KELM25D {
 
-void InnerVtxMgr::removeNear(const Point2& center, double sqRadius, Dt2* pDt) {
+void InnerVtxMgr::removeNear(const Point2& center, double sqRadius, Mesh2& mesh) {
     const double r = std::sqrt(sqRadius);
     std::vector<Point2*> vNear;
     for (auto it = sInsertedInnerPoints.lower_bound({center.x() - r, nullptr});
@@ -24,7 +24,7 @@ void InnerVtxMgr::removeNear(const Point2& center, double sqRadius, Dt2* pDt) {
         }
     }
     for (Point2* pVtx : vNear) {
-        if (!pDt->getConstraintMgr().isConstraintVertex(pVtx)) pDt->remove(pVtx);
+        if (!SegmentTable::isConstraintVertex(pVtx)) mesh.remove(pVtx);
     }
 }
 

@@ -9,7 +9,7 @@
 
 namespace QUOR_KELM25D {
 
-class Dt2;
+class Mesh2;
 
 class InnerVtxMgr {
 public:
@@ -20,7 +20,7 @@ public:
     }
     /// Forgets the vertices closer to the centre in the plane than the root of sqRadius, and takes those that
     /// no constraint uses out of the triangulation.
-    void removeNear(const Point2& center, double sqRadius, Dt2* pDt);
+    void removeNear(const Point2& center, double sqRadius, Mesh2& mesh);
     void clear() { sInsertedInnerPoints.clear(); }
 
 private:

@@ -3,8 +3,8 @@
 
 #include "InserterMT.h"
 
-#include "Dt2.h"
 #include "MTCtrl.h"
+#include "Mesh2.h"
 #include "messages.h"
 
 #include <algorithm>
@@ -23,8 +23,8 @@ constexpr std::size_t minRefill = 100, maxRefill = 40000; // fresh triangles a w
 
 } // namespace
 
-InserterMT::InserterMT(Dt2* pDt_, const Bbox2& frame_, int numCPU_)
-    : pDt(pDt_), frame(frame_), numCPU(numCPU_) {
+InserterMT::InserterMT(Mesh2& mesh_, const Bbox2& frame_, int numCPU_)
+    : mesh(mesh_), frame(frame_), numCPU(numCPU_) {
 }
 
 InserterMT::~InserterMT() = default;
@@ -32,7 +32,7 @@ InserterMT::~InserterMT() = default;
 void InserterMT::run(VertexVault::EntryIterator first, VertexVault::EntryIterator last, Triangle2* pHint) {
     divide(first, last);
     KELM_CHECK(!vSparseVtx.empty());
-    pDt->insertRangeSequential(vSparseVtx.data(), vSparseVtx.data() + vSparseVtx.size(), pHint);
+    mesh.insertRangeSequential(vSparseVtx.data(), vSparseVtx.data() + vSparseVtx.size(), pHint);
     makeChunks(first, static_cast<std::size_t>(last - first) - vSparseVtx.size());
 
     std::vector<Chunk*> vPointers;
@@ -49,7 +49,7 @@ void InserterMT::run(VertexVault::EntryIterator first, VertexVault::EntryIterato
     vTaken.assign(vChunks.size(), false);
     for (std::size_t i = 0; i < numWorkers; ++i) {
         vCursors.push_back(i * vChunks.size() / numWorkers);
-        vFresh.emplace_back(pDt, refill);
+        vFresh.emplace_back(mesh, refill);
     }
     KELM_CHECK(vStartedChunks.empty());
     std::vector<std::thread> vThreads;
@@ -65,7 +65,7 @@ void InserterMT::run(VertexVault::EntryIterator first, VertexVault::EntryIterato
     for (std::thread& thread : vThreads) {
         thread.join();
     }
-    pDt->progress.advanceSteps(numUnreported);
+    mesh.getProgress().advanceSteps(numUnreported);
     if (pFailure) std::rethrow_exception(pFailure);
 
     for (FreshTriangles& fresh : vFresh) {
@@ -98,8 +98,8 @@ void InserterMT::makeChunks(VertexVault::EntryIterator first, std::size_t d) {
         while (near > 0 && vSparseVtx[near].pVtx->getIncidentTriangle() == nullptr)
             --near;
         const Point2* pNear = vSparseVtx[near].pVtx;
-        if (pNear->getIncidentTriangle() == nullptr) pNear = pDt->getFakeCorner();
-        vChunks.emplace_back(new Chunk(pDt, frame, denseVertices, from, end, pNear));
+        if (pNear->getIncidentTriangle() == nullptr) pNear = mesh.getFakeCorner();
+        vChunks.emplace_back(new Chunk(mesh, frame, denseVertices, from, end, pNear));
         from = end;
     }
 }
@@ -116,7 +116,7 @@ void InserterMT::worker(std::size_t workerIdx) {
                 numUnreported += pChunk->numDone();
                 if (workerIdx == 0) std::swap(numToReport, numUnreported);
             }
-            pDt->progress.advanceSteps(numToReport); // receivers are called on the calling thread only
+            mesh.getProgress().advanceSteps(numToReport); // receivers are called on the calling thread only
         }
     } catch (...) {
         const std::lock_guard<std::mutex> lock(mtx);

@@ -20,11 +20,11 @@
 
 namespace QUOR_KELM25D {
 
-class Dt2;
+class Mesh2;
 
 class InserterMT {
 public:
-    InserterMT(Dt2* pDt_, const Bbox2& frame_, int numCPU_);
+    InserterMT(Mesh2& mesh_, const Bbox2& frame_, int numCPU_);
     ~InserterMT();
     InserterMT(const InserterMT&) = delete;
     InserterMT& operator=(const InserterMT&) = delete;
@@ -39,7 +39,7 @@ private:
     Chunk* getNextChunk(std::size_t workerIdx);
     Chunk* waitForNextChunk(std::size_t workerIdx);
 
-    Dt2* pDt;
+    Mesh2& mesh;
     Bbox2 frame;
     int numCPU;
     std::size_t numChunks = 0, stride = 0;

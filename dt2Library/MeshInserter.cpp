@@ -1,8 +1,9 @@
 // Walk, splits, flips and repair; the header tells the whole story.
-// Hull extension and the surroundings of an insertion are in Dt2_location.cpp.
+// Hull extension and the surroundings of an insertion are in Mesh2_location.cpp.
 
 #include "MeshInserter.h"
 
+#include "cornerIndex.h"
 #include "messages.h"
 #include "prefetch.h"
 
@@ -28,8 +29,12 @@ private:
     std::uint64_t state = 1;
 };
 
-bool isAtCorner(const Triangle2* pT, const Point2* q) noexcept {
-    return *pT->getCorner(0) == *q || *pT->getCorner(1) == *q || *pT->getCorner(2) == *q;
+/// The index of the corner at the place of q, or -1.
+int cornerAt(const Triangle2* pT, const Point2* q) noexcept {
+    for (int i = 0; i < 3; ++i) {
+        if (*pT->getCorner(i) == *q) return i;
+    }
+    return -1;
 }
 
 } // namespace
@@ -39,15 +44,14 @@ MeshInserter::MeshInserter(QuorTest& quorTest_, const SegmentTable& segmentTable
     vFlipStack.reserve(flipStackReserve);
 }
 
-int MeshInserter::locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, const Bbox2* pLimit) {
-    Triangle2* pStartTriangle = pT;
+Location MeshInserter::locateFrom(const Point2* q, Triangle2* pT, const Bbox2* pLimit) {
+    const Triangle2* pStartTriangle = pT;
     KELM_CHECK(pStartTriangle!=0);
     WalkRandom walkRandom;
-    bool bOnHullLine = false; // the caller's edgeIdx is settled then, deliberately
+    int edgeIdx = -1;
     int numSteps = 0;
     int aOrder[3] = {0, 1, 2};
     int position = 0;
-    edgeIdx = -1;
 
     for (;;) {
         int crossed = -1;
@@ -59,46 +63,45 @@ int MeshInserter::locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, cons
                 crossed = i;
                 break;
             }
-            if (isAtCorner(pT, q)) return AT_CORNER;
-            if (!bOnHullLine) edgeIdx = i;
+            const int corner = cornerAt(pT, q);
+            if (corner >= 0) return {pT, Location::AT_CORNER, corner};
+            edgeIdx = i;
             // A later edge may still send the walk on. Within limits no hull is met, and nothing read
             // unasked.
             if (pLimit != nullptr || pT->getOppositeTriangle(i) != nullptr) continue;
             // On the supporting line of hull edge i: inside the edge, or beyond one of its ends.
-            const int next = incIndexBy1(i), prev = incIndexBy2(i);
             int beyond = -1;
-            if (quorTest.getEdgeOrientation(pT, next, q) == ORIENTATION2_CW) beyond = next;
-            if (quorTest.getEdgeOrientation(pT, prev, q) == ORIENTATION2_CW) beyond = prev;
-            if (beyond < 0) return i;
-            if (pT->getOppositeTriangle(beyond) == nullptr) return beyond;
+            if (quorTest.getEdgeOrientation(pT, next(i), q) == ORIENTATION2_CW) beyond = next(i);
+            if (quorTest.getEdgeOrientation(pT, prev(i), q) == ORIENTATION2_CW) beyond = prev(i);
+            if (beyond < 0) return {pT, Location::OUTSIDE, i};
+            if (pT->getOppositeTriangle(beyond) == nullptr) return {pT, Location::OUTSIDE, beyond};
             // A new walk from there; it can end only on the hull or at a corner.
             pT = pT->getOppositeTriangle(beyond);
-            bOnHullLine = true;
             numSteps = 0;
             aOrder[0] = 0, aOrder[1] = 1, aOrder[2] = 2;
             position = -1;
         }
-        if (crossed < 0) return INSIDE;
-        if (!bOnHullLine) edgeIdx = -1;
-        if (pLimit != nullptr && !(pLimit->isInBox(*pT->getCorner(incIndexBy1(crossed))) &&
-                                   pLimit->isInBox(*pT->getCorner(incIndexBy2(crossed))))) {
-            return LEFT_LIMIT;
+        if (crossed < 0) return {pT, edgeIdx < 0 ? Location::INSIDE : Location::ON_EDGE, edgeIdx};
+        edgeIdx = -1;
+        if (pLimit != nullptr && !(pLimit->isInBox(*pT->getCorner(next(crossed))) &&
+                                   pLimit->isInBox(*pT->getCorner(prev(crossed))))) {
+            return {pT, Location::LEFT_LIMIT};
         }
         Triangle2* pN = pT->getOppositeTriangle(crossed);
-        if (pN == nullptr) return crossed;
+        if (pN == nullptr) return {pT, Location::OUTSIDE, crossed};
 
         // The edge just crossed is not tested again; the order of the two others alternates.
         const int j = pN->getIntraTriangleIndex(pT);
         pT = pN;
         if (++numSteps > maxOrderlySteps) {
             aOrder[0] = walkRandom.nextBelow3();
-            aOrder[1] = incIndexBy1(aOrder[0]);
-            aOrder[2] = incIndexBy2(aOrder[0]);
+            aOrder[1] = next(aOrder[0]);
+            aOrder[2] = prev(aOrder[0]);
             position = 0;
             continue;
         }
-        aOrder[1] = position == 1 ? incIndexBy2(j) : incIndexBy1(j);
-        aOrder[2] = position == 1 ? incIndexBy1(j) : incIndexBy2(j);
+        aOrder[1] = position == 1 ? prev(j) : next(j);
+        aOrder[2] = position == 1 ? next(j) : prev(j);
         position = 1;
     }
 }
@@ -116,24 +119,24 @@ Triangle2* MeshInserter::approach(const Point2& q, Triangle2* pT) const noexcept
     Offset aCorner[3] = {offsetOf(pT->getCorner(0)), offsetOf(pT->getCorner(1)), offsetOf(pT->getCorner(2))};
     double area = 0.0;
     for (int i = 0; i < 3; ++i) {
-        const double areaBeyond = side(aCorner[incIndexBy1(i)], aCorner[incIndexBy2(i)]);
+        const double areaBeyond = side(aCorner[next(i)], aCorner[prev(i)]);
         if (areaBeyond < area) {
             area = areaBeyond;
             crossed = i;
         }
     }
-    Offset from = aCorner[incIndexBy1(crossed)], to = aCorner[incIndexBy2(crossed)]; // of the edge crossed
+    Offset from = aCorner[next(crossed)], to = aCorner[prev(crossed)]; // of the edge crossed
     for (int numSteps = 0; area < surelyBeyond && numSteps < maxOrderlySteps; ++numSteps) {
         Triangle2* pN = pT->getOppositeTriangle(crossed);
         if (pN == nullptr) break;
         const int j = pN->getIntraTriangleIndex(pT);
-        prefetch(pN->getOppositeTriangle(incIndexBy1(j))); // whichever of the two is next
-        prefetch(pN->getOppositeTriangle(incIndexBy2(j)));
+        prefetch(pN->getOppositeTriangle(next(j))); // whichever of the two is next
+        prefetch(pN->getOppositeTriangle(prev(j)));
         const Offset apex = offsetOf(pN->getCorner(j));
         const double areaNext = side(from, apex), areaPrev = side(apex, to);
         const bool bNext = areaNext < areaPrev;
         area = bNext ? areaNext : areaPrev;
-        crossed = bNext ? incIndexBy1(j) : incIndexBy2(j);
+        crossed = bNext ? next(j) : prev(j);
         // Seen from pN the crossed edge runs the other way round: from its end to its start.
         to = bNext ? apex : to;
         from = bNext ? from : apex;
@@ -157,16 +160,22 @@ Triangle2* MeshInserter::splitTriangle(Triangle2* pT, Point2* q, Triangle2* pT1,
     return pT;
 }
 
+//         a                     a           pT is (a, b, k) from some corner on, pNeigA (d, k, b).
+//       /   \                 / | \         pT becomes (q, k, a), pNeigA (q, a, b), pT3 (q, b, d) and
+//     /  pT   \        pNeigA   |   pT      pT4 (q, d, k): q is corner 0 of all, and their outer
+//    b----q----k   ->     b-----q-----k     edges are edge 0.
+//     \ pNeigA /            pT3 | pT4 .
+//       \   /                 \ | / .
+//         d                     d .
 Triangle2* MeshInserter::splitEdge(Triangle2* pT, Point2* q, int edgeIdx, Triangle2* pT3, Triangle2* pT4) {
     Triangle2* pNeigA = pT->getOppositeTriangle(edgeIdx);
     KELM_CHECK(pNeigA!=0);
     const int j = pNeigA->getIntraTriangleIndex(pT);
-    const int next = incIndexBy1(edgeIdx), prev = incIndexBy2(edgeIdx);
-    Point2 *a = pT->getCorner(edgeIdx), *b = pT->getCorner(next), *k = pT->getCorner(prev),
+    Point2 *a = pT->getCorner(edgeIdx), *b = pT->getCorner(next(edgeIdx)), *k = pT->getCorner(prev(edgeIdx)),
            *d = pNeigA->getCorner(j);
-    Triangle2 *pOutKA = pT->getOppositeTriangle(next), *pOutAB = pT->getOppositeTriangle(prev);
-    Triangle2 *pOutBD = pNeigA->getOppositeTriangle(incIndexBy1(j)),
-              *pOutDK = pNeigA->getOppositeTriangle(incIndexBy2(j));
+    Triangle2 *pOutKA = pT->getOppositeTriangle(next(edgeIdx)),
+              *pOutAB = pT->getOppositeTriangle(prev(edgeIdx));
+    Triangle2 *pOutBD = pNeigA->getOppositeTriangle(next(j)), *pOutDK = pNeigA->getOppositeTriangle(prev(j));
 
     pT->setPropertiesAndOppT(q, k, a, pOutKA, pNeigA, pT4);
     pNeigA->setPropertiesAndOppT(q, a, b, pOutAB, pT3, pT);
@@ -196,13 +205,20 @@ void MeshInserter::legalize(const Point2* q) {
     }
 }
 
+//         a                    a        What stood at index i of pT, here a, stands at index 0 of both
+//       /   \                / | \      afterwards. Of the four neighbours outside only those across
+//      / pT  \              /  |  \     a-c and b-d get another one.
+//     b-------c     ->     b pT|pN c
+//      \ pN  / .            \  |  / .
+//       \   / .              \ | / .
+//         d                    d .
 void MeshInserter::flip(Triangle2* pT, int i) {
     Triangle2* pN = pT->getOppositeTriangle(i);
     const int j = pN->getIntraTriangleIndex(pT);
-    const int nextI = incIndexBy1(i), prevI = incIndexBy2(i), nextJ = incIndexBy1(j), prevJ = incIndexBy2(j);
-    Point2 *a = pT->getCorner(i), *b = pT->getCorner(nextI), *c = pT->getCorner(prevI), *d = pN->getCorner(j);
-    Triangle2 *pOppTn = pT->getOppositeTriangle(nextI), *pOppTp = pT->getOppositeTriangle(prevI);
-    Triangle2 *pOppNn = pN->getOppositeTriangle(nextJ), *pOppNp = pN->getOppositeTriangle(prevJ);
+    Point2 *a = pT->getCorner(i), *b = pT->getCorner(next(i)), *c = pT->getCorner(prev(i)),
+           *d = pN->getCorner(j);
+    Triangle2 *pOppTn = pT->getOppositeTriangle(next(i)), *pOppTp = pT->getOppositeTriangle(prev(i));
+    Triangle2 *pOppNn = pN->getOppositeTriangle(next(j)), *pOppNp = pN->getOppositeTriangle(prev(j));
     pT->setPropertiesAndOppT(a, b, d, pOppNn, pN, pOppTp);
     pN->setPropertiesAndOppT(a, d, c, pOppNp, pOppTn, pT);
     relink(pOppTn, pT, pN);

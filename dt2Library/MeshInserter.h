@@ -1,5 +1,5 @@
 // The inner loop of insertion: the walk to a vertex, the splits of a triangle and of an edge, flips and
-// repair. It never extends the hull and owns no triangles: Dt2 does both, and Chunk on worker threads lends
+// repair. It never extends the hull and owns no triangles: Mesh2 does both, and Chunk on worker threads lends
 // it triangles.
 //
 // A new vertex q is located by a remembering walk (Devillers, Pion, Teillaud, "Walking in a Triangulation",
@@ -24,33 +24,43 @@
 
 namespace QUOR_KELM25D {
 
+/// Where a walk to a point has ended: at a triangle, and at an edge or a corner of it.
+struct Location {
+    enum Kind {
+        INSIDE,    // of the triangle
+        ON_EDGE,   // on inner edge idx
+        AT_CORNER, // at the place of corner idx
+        OUTSIDE,   // of the hull, or on it: idx is the hull edge to start from
+        LEFT_LIMIT // the next step would have crossed an edge with an end outside the limit
+    };
+    Triangle2* pT;
+    Kind kind;
+    int idx = -1;
+};
+
 class MeshInserter {
 public:
-    /// Results of a walk besides the indices 0 to 2 of a hull edge.
-    enum { INSIDE = -1, AT_CORNER = 4, LEFT_LIMIT = 5 };
-
     /// segmentTable_ knows the constrained edges, which are never flipped. Both outlive the inserter.
     MeshInserter(QuorTest& quorTest_, const SegmentTable& segmentTable_);
     MeshInserter(const MeshInserter&) = delete;
     MeshInserter& operator=(const MeshInserter&) = delete;
 
-    /// Walks from pT to q. INSIDE: q lies in pT, on its inner edge edgeIdx unless that is -1. 0 to 2: q lies
-    /// outside the hull or on it, and that is the hull edge of pT to start from. AT_CORNER: q has the place
-    /// of a corner of pT. LEFT_LIMIT: the next step would have crossed an edge with an end outside pLimit,
-    /// which is not null; the hull must lie outside it.
-    int locateFrom(const Point2* q, Triangle2*& pT, int& edgeIdx, const Bbox2* pLimit = nullptr);
+    /// Walks from a triangle to q. With a limit, the hull must lie outside it; the walk then never crosses an
+    /// edge with an end outside.
+    Location locateFrom(const Point2* q, Triangle2* pT, const Bbox2* pLimit = nullptr);
 
     /// Walks from pT towards q as far as the static filter leads, mostly to the triangle that holds q: a
     /// start for locateFrom, which settles the rest. Makes fewer steps, and each with one branch only: pays
     /// where the mesh is in the cache or the way is long.
     Triangle2* approach(const Point2& q, Triangle2* pT) const noexcept;
 
-    /// Splits at q, which a walk has found INSIDE pT and edgeIdx, with two fresh triangles, and restores the
+    /// Splits at q, which a walk has found INSIDE or ON_EDGE, with two fresh triangles, and restores the
     /// empty circles, unless the mesh is to stay as it is otherwise. The result is a triangle near q.
-    Triangle2* insertInside(Triangle2* pT, Point2* q, int edgeIdx, Triangle2* pNew0, Triangle2* pNew1,
+    Triangle2* insertInside(const Location& location, Point2* q, Triangle2* pNew0, Triangle2* pNew1,
                             bool bLegalize = true) {
-        Triangle2* pKept =
-            edgeIdx < 0 ? splitTriangle(pT, q, pNew0, pNew1) : splitEdge(pT, q, edgeIdx, pNew0, pNew1);
+        Triangle2* pKept = location.kind == Location::INSIDE
+                               ? splitTriangle(location.pT, q, pNew0, pNew1)
+                               : splitEdge(location.pT, q, location.idx, pNew0, pNew1);
         if (bLegalize) {
             legalize(q);
         } else {
@@ -67,8 +77,9 @@ public:
 
     /// Whether q is inside the circle through the corners of pT, or completes an axis-parallel rectangle.
     bool isInsideCircle(const Triangle2* pT, const Point2* q) {
-        const int result = QuorTest::circleIncFilter(pT->getCorner(0), pT->getCorner(1), pT->getCorner(2), q);
-        return result != 0 ? result == 1 : quorTest.circleInc(pT, q);
+        const InCircle side =
+            QuorTest::circleIncFilter(pT->getCorner(0), pT->getCorner(1), pT->getCorner(2), q);
+        return side != InCircle::UNDECIDED ? side == InCircle::INSIDE : quorTest.circleInc(pT, q);
     }
 
     /// Turns edge i of pT around without any test. What stood at index i of pT then stands at index 0 of both
@@ -82,8 +93,8 @@ public:
 private:
     QuorTest& quorTest;
     const SegmentTable& segmentTable;
-    std::vector<Triangle2*>
-        vFlipStack; // triangles with q as corner 0, to be checked; empty between insertions
+    // Triangles with q as corner 0, to be checked; empty between insertions.
+    std::vector<Triangle2*> vFlipStack;
 };
 
 /// Inserts vertices first to last of a sequence in Hilbert order: the middle one, then the left half, then

@@ -70,8 +70,8 @@ Orientation2 fromSign(int sign) noexcept {
     return sign > 0 ? ORIENTATION2_CCW : (sign < 0 ? ORIENTATION2_CW : ORIENTATION2_COLLINEAR);
 }
 
-int insideFromSign(int sign) noexcept {
-    return sign > 0 ? 1 : (sign < 0 ? 2 : 0);
+InCircle insideFromSign(int sign) noexcept {
+    return sign > 0 ? InCircle::INSIDE : (sign < 0 ? InCircle::OUTSIDE : InCircle::ON);
 }
 
 /// The sign of the orientation determinant by interval arithmetic: 1, -1, or 0 for undecided.
@@ -228,13 +228,13 @@ Orientation2 QuorTest::getOrientationExact(const Point2* p0, const Point2* p1, c
     return fromSign(mpq_cmp(orientRes[4], orientRes[5]));
 }
 
-int QuorTest::circleIncFiltered(const Triangle2* t, const Point2* q) {
-    const int result = circleIncFilter(t->getCorner(0), t->getCorner(1), t->getCorner(2), q);
-    return result != 0 ? result : circleIncExact(t, q);
+InCircle QuorTest::circleIncFiltered(const Triangle2* t, const Point2* q) {
+    const InCircle side = circleIncFilter(t->getCorner(0), t->getCorner(1), t->getCorner(2), q);
+    return side != InCircle::UNDECIDED ? side : circleIncExact(t, q);
 }
 
-int QuorTest::circleIncExact(const Triangle2* t, const Point2* q) {
-    if (isAxisParallelRectangle(t, q)) return 0;
+InCircle QuorTest::circleIncExact(const Triangle2* t, const Point2* q) {
+    if (isAxisParallelRectangle(t, q)) return InCircle::ON;
     int sign = 0;
     const Point2 *a = t->getCorner(0), *b = t->getCorner(1), *c = t->getCorner(2);
     if (inCircleSignInIntegers({a->x(), a->y(), b->x(), b->y(), c->x(), c->y(), q->x(), q->y()}, sign)) {
@@ -245,10 +245,10 @@ int QuorTest::circleIncExact(const Triangle2* t, const Point2* q) {
 
 bool QuorTest::circleInc(const Triangle2* t, const Point2* q) {
     if (isAxisParallelRectangle(t, q)) return true;
-    return circleIncExact(t, q) == 1;
+    return circleIncExact(t, q) == InCircle::INSIDE;
 }
 
-int QuorTest::circleIncRational(const Triangle2* t, const Point2* q) {
+InCircle QuorTest::circleIncRational(const Triangle2* t, const Point2* q) {
     initBank();
     mpq_t* const aIn = circleIn;        // 0-5: corners, 6-7: q
     mpq_t* const aDiff = circleIn + 8;  // adx, ady, bdx, bdy, cdx, cdy
@@ -358,18 +358,19 @@ void QuorTest::getIntersectionCoords(const Point2* p0, const Point2* p1, const P
     y = aResult[1];
 }
 
-int QuorTest::segmentsIntersect(const Point2* a, const Point2* b, const Point2* c, const Point2* d) {
+Meeting QuorTest::segmentsIntersect(const Point2* a, const Point2* b, const Point2* c, const Point2* d) {
     updateRange(a, b, c);
     updateRange(a, b, d);
     const Orientation2 o1 = getOrientation2Filtered(a, b, c);
     const Orientation2 o2 = getOrientation2Filtered(a, b, d);
     if (o1 == o2) {
-        if (o1 != ORIENTATION2_COLLINEAR) return 0;
+        if (o1 != ORIENTATION2_COLLINEAR) return Meeting::DISJOINT;
         const bool bOverlap = isOnSegment(*a, *b, *c) || isOnSegment(*a, *b, *d) || isOnSegment(*c, *d, *a) ||
                               isOnSegment(*c, *d, *b);
-        return bOverlap ? 1 : 0;
+        return bOverlap ? Meeting::OVERLAP : Meeting::DISJOINT;
     }
-    return getOrientation2Filtered(c, d, a) != getOrientation2Filtered(c, d, b) ? 2 : 0;
+    const bool bCrossing = getOrientation2Filtered(c, d, a) != getOrientation2Filtered(c, d, b);
+    return bCrossing ? Meeting::CROSSING : Meeting::DISJOINT;
 }
 
 int QuorTest::getOrientation3(const Point2* a, const Point2* b, const Point2* c, const Point2* d) noexcept {

@@ -22,6 +22,12 @@
 
 namespace QUOR_KELM25D {
 
+/// Where a point lies with respect to the circle through three others.
+enum class InCircle { ON, INSIDE, OUTSIDE, UNDECIDED /* only as the answer of a filter */ };
+
+/// How two segments meet.
+enum class Meeting { DISJOINT, OVERLAP /* on one line */, CROSSING /* or touching */ };
+
 /// One set of predicates with its scratch. For one thread at a time: the exact stage writes scratch
 /// rationals.
 class QuorTest {
@@ -49,13 +55,14 @@ public:
     /// Orientation in rational arithmetic alone.
     Orientation2 getOrientationExact(const Point2* p0, const Point2* p1, const Point2* p2);
 
-    /// The filter of the in-circle test of q against the counterclockwise triangle (a, b, c):
-    /// 1 surely inside, 2 surely outside, 0 undecided.
-    static int circleIncFilter(const Point2* a, const Point2* b, const Point2* c, const Point2* q) noexcept;
-    /// In-circle test of q against t: 1 inside, 2 outside, 0 on the circle.
-    int circleIncFiltered(const Triangle2* t, const Point2* q);
+    /// The filter of the in-circle test of q against the counterclockwise triangle (a, b, c): INSIDE, OUTSIDE
+    /// or UNDECIDED.
+    static InCircle circleIncFilter(const Point2* a, const Point2* b, const Point2* c,
+                                    const Point2* q) noexcept;
+    /// In-circle test of q against t, always decided.
+    InCircle circleIncFiltered(const Triangle2* t, const Point2* q);
     /// The same without the filter.
-    int circleIncExact(const Triangle2* t, const Point2* q);
+    InCircle circleIncExact(const Triangle2* t, const Point2* q);
     /// Strictly inside, or the fourth corner of an axis-parallel rectangle. Deliberately different from
     /// circleIncExact there: on a regular grid the diagonal of a cell always turns to the newest point.
     bool circleInc(const Triangle2* t, const Point2* q);
@@ -66,8 +73,7 @@ public:
     /// check.
     void getIntersectionCoords(const Point2* p0, const Point2* p1, const Point2* q0, const Point2* q1,
                                double& x, double& y);
-    /// 0 disjoint, 1 collinear overlap, 2 crossing or touching.
-    int segmentsIntersect(const Point2* a, const Point2* b, const Point2* c, const Point2* d);
+    Meeting segmentsIntersect(const Point2* a, const Point2* b, const Point2* c, const Point2* d);
     /// Sign of the 3D determinant of (a-d, b-d, c-d) in plain double: 1 positive, 2 negative, 0 zero.
     static int getOrientation3(const Point2* a, const Point2* b, const Point2* c, const Point2* d) noexcept;
 
@@ -76,7 +82,7 @@ private:
 
     void initBank();
     void initCut();
-    int circleIncRational(const Triangle2* t, const Point2* q);
+    InCircle circleIncRational(const Triangle2* t, const Point2* q);
 
     // Initialised on the first exact computation, so that an object that never leaves the filters costs
     // nothing; kept between calls, so that exact computations allocate only inside GMP.
@@ -103,8 +109,8 @@ inline Orientation2 QuorTest::getEdgeOrientation(const Triangle2* t, int i, cons
     return getOrientation2Filtered(t->getCorner(incIndexBy1(i)), t->getCorner(incIndexBy2(i)), q);
 }
 
-inline int QuorTest::circleIncFilter(const Point2* a, const Point2* b, const Point2* c,
-                                     const Point2* q) noexcept {
+inline InCircle QuorTest::circleIncFilter(const Point2* a, const Point2* b, const Point2* c,
+                                          const Point2* q) noexcept {
     const double adx = a->x() - q->x(), ady = a->y() - q->y();
     const double bdx = b->x() - q->x(), bdy = b->y() - q->y();
     const double cdx = c->x() - q->x(), cdy = c->y() - q->y();
@@ -118,13 +124,17 @@ inline int QuorTest::circleIncFilter(const Point2* a, const Point2* b, const Poi
     const double permanent = (std::fabs(bdxcdy) + std::fabs(cdxbdy)) * alift +
                              (std::fabs(cdxady) + std::fabs(adxcdy)) * blift +
                              (std::fabs(adxbdy) + std::fabs(bdxady)) * clift;
-    // The relative term bounds the rounding of all operations. Each product may lose 2^-1074 to underflow,
-    // multiplied later by at most the sum of the lifts: the second term is far above that, and far below
-    // any permanent that ordinary coordinates give. Overflow makes the bound infinite: undecided.
+    // The relative term bounds the rounding, in units u = 2^-53: 1 for each difference of coordinates, so 3
+    // for each product of two and 4 for the difference of two such, relative to the sum of their magnitudes;
+    // 4 for a lift, the sum of two squares; 4 + 4 + 1 for a lift times that, and 2 more for the sum of three.
+    // That is 11 u of the permanent. The terms of second order in u and the rounding of the permanent itself
+    // are far below another u; 3.33e-15 is 30 u. Each product may lose 2^-1074 to underflow, multiplied later
+    // by at most the sum of the lifts: the second term is far above that, and far below any permanent that
+    // ordinary coordinates give. Overflow makes the bound infinite: undecided.
     const double bound = permanent * 3.33e-15 + (alift + blift + clift + 1.0) * 0x1p-900;
-    if (det > bound) return 1;
-    if (-bound > det) return 2;
-    return 0;
+    if (det > bound) return InCircle::INSIDE;
+    if (-bound > det) return InCircle::OUTSIDE;
+    return InCircle::UNDECIDED;
 }
 
 /// Intersection point of the segments' lines for callers that know the segments to meet: the point lies on

@@ -1,6 +1,6 @@
 // What a zone is made of and which triangles it has at the moment.
 // Areas, borders, set operations and drawings are in Zone2_operations.cpp and Zone2_drawing.cpp, flips in
-// Zone2_optimization.cpp; who creates zones is Dt2_zones.cpp.
+// Zone2_optimization.cpp; who creates zones is ZoneMgr.
 //
 // The rules come down to floods. Inside and outside begin at the triangles along the directed edges of the
 // graphs, on their left or on their right, and go on up to edges of these graphs, whatever other constraints
@@ -9,8 +9,8 @@
 #include <kelm25d/Zone2.h>
 
 #include "AddressSet.h"
-#include "Dt2.h"
 #include "FloodBarrier.h"
+#include "ZoneMgr.h"
 #include "messages.h"
 #include "ringTools.h"
 
@@ -87,16 +87,17 @@ std::vector<Triangle2*> mergeSorted(const std::vector<Triangle2*>& v0, const std
 
 // --- construction -----------------------------------------------------------------------------------------
 
-Zone2::Zone2(Dt2* pDt_, ZoneLocation zoneLoc_) : pDt(pDt_), zoneLoc(zoneLoc_) {
+Zone2::Zone2(Dt2* pDt_, ZoneLocation zoneLoc_) : pDt(pDt_), pMgr(managerOf(pDt_)), zoneLoc(zoneLoc_) {
 }
 
 Zone2::Zone2(Dt2* pDt_, const std::vector<ConstraintGraph2*>& vConstraintGraphs_, ZoneLocation zoneLoc_,
              const std::vector<Point2>& vStartPoints_)
-    : pDt(pDt_), zoneLoc(zoneLoc_), vConstraintGraphs(vConstraintGraphs_), vStartPoints(vStartPoints_) {
+    : pDt(pDt_), pMgr(managerOf(pDt_)), zoneLoc(zoneLoc_), vConstraintGraphs(vConstraintGraphs_),
+      vStartPoints(vStartPoints_) {
 }
 
 Zone2::Zone2(Dt2* pDt_, ZoneLocation zoneLoc_, const std::vector<ConstraintGraph2*>& vConstraintGraphs_)
-    : pDt(pDt_), zoneLoc(zoneLoc_), vConstraintGraphs(vConstraintGraphs_) {
+    : pDt(pDt_), pMgr(managerOf(pDt_)), zoneLoc(zoneLoc_), vConstraintGraphs(vConstraintGraphs_) {
     checkLocation(zoneLoc == ZL_INSIDE || zoneLoc == ZL_OUTSIDE,
                   "ZoneLocation for this constructor must be ZL_INSIDE or ZL_OUTSIDE!");
     if (vConstraintGraphs.empty()) printError("Zone2::Zone2(..)", "vConstraintGraphs is empty");
@@ -110,7 +111,7 @@ Zone2::Zone2(Dt2* pDt_, ZoneLocation zoneLoc_, const std::vector<ConstraintGraph
 }
 
 Zone2::Zone2(Dt2* pDt_, ZoneLocation zoneLoc_, ConstraintGraph2* pConstraintGraph)
-    : pDt(pDt_), zoneLoc(zoneLoc_), vConstraintGraphs{pConstraintGraph} {
+    : pDt(pDt_), pMgr(managerOf(pDt_)), zoneLoc(zoneLoc_), vConstraintGraphs{pConstraintGraph} {
     if (pConstraintGraph == nullptr) {
         printError("Zone2::Zone2(..)", "The ConstraintGraph is NULL");
     } else if (!pConstraintGraph->isOriented()) {
@@ -166,14 +167,14 @@ void Zone2::getVertices(std::vector<Point2*>& vVertices) const {
 // --- triangles --------------------------------------------------------------------------------------------
 
 void Zone2::getTriangles(std::vector<Triangle2*>& vTriangles) const {
-    if (!pDt->is2D()) {
+    if (!pMgr->getMesh().is2D()) {
         printWarning("Zone2::getTriangles()", "is2D() is false, nothing to return");
         return;
     }
     std::vector<Triangle2*> vWorkspace;
     switch (zoneLoc) {
     case ZL_GLOBAL:
-        vWorkspace.push_back(pDt->getOneTriangle());
+        vWorkspace.push_back(pMgr->getMesh().getOneTriangle());
         bfsFromWorkspace(vWorkspace, vTriangles);
         break;
     case ZL_INSIDE:
@@ -184,7 +185,7 @@ void Zone2::getTriangles(std::vector<Triangle2*>& vTriangles) const {
         break;
     case ZL_GROW:
         // Two start points in one region yield it twice, deliberately.
-        pDt->growZoneArea(vConstraintGraphs, vStartPoints, vTriangles);
+        growFromStartPoints(vTriangles);
         break;
     case ZL_RESULT_UNION:
     case ZL_RESULT_INTERSECTION:
@@ -209,7 +210,7 @@ void Zone2::initWorkspace(bool bInside, std::vector<Triangle2*>& vWorkspace) con
         for (std::size_t i = 0; i < vVertices.size(); i += 2) {
             const Point2 *a = vVertices[i], *b = vVertices[i + 1];
             KELM_CHECK(a->getIncidentTriangle()!=NULL);
-            const Edge2 edge = bInside ? Dt2::findEdge(a, b) : Dt2::findEdge(b, a);
+            const Edge2 edge = bInside ? Mesh2::findEdge(a, b) : Mesh2::findEdge(b, a);
             // On the hull, with the outside on the wanted side, it runs the other way.
             if (edge.getTriangle() == nullptr || edge.getSrc() != (bInside ? a : b)) continue;
             vWorkspace.push_back(edge.getTriangle());
@@ -219,7 +220,20 @@ void Zone2::initWorkspace(bool bInside, std::vector<Triangle2*>& vWorkspace) con
 
 void Zone2::bfsFromWorkspace(std::vector<Triangle2*>& vWorkspace, std::vector<Triangle2*>& vTriangles) const {
     KELM_CHECK(zoneLoc==ZL_GLOBAL || zoneLoc==ZL_INSIDE || zoneLoc==ZL_OUTSIDE || zoneLoc==ZL_BOUNDED);
-    FloodBarrier(pDt->getSegmentTable(), vConstraintGraphs).flood(vWorkspace, vTriangles);
+    FloodBarrier(pMgr->getMesh().getSegmentTable(), vConstraintGraphs).flood(vWorkspace, vTriangles);
+}
+
+/// Appends for each point in turn the triangles that are reached from the one there without crossing edges
+/// of the graphs, by address. One region of two points is appended twice.
+void Zone2::growFromStartPoints(std::vector<Triangle2*>& vTriangles) const {
+    Mesh2& mesh = pMgr->getMesh();
+    FloodBarrier barrier(mesh.getSegmentTable(), vConstraintGraphs);
+    for (const Point2& point : vStartPoints) {
+        Triangle2* pStartT = mesh.locateUniquely(point);
+        if (pStartT == nullptr) continue; // outside the hull
+        std::vector<Triangle2*> vWorkspace = {pStartT};
+        barrier.flood(vWorkspace, vTriangles);
+    }
 }
 
 /// The evaluation of a set operation whose operands may be such operations themselves. Each zone is evaluated
@@ -320,7 +334,7 @@ void Zone2::getTriangles_RESULT(std::vector<Triangle2*>& vTriangles) const {
 
 Zone2* Zone2::convertToBoundedZone() {
     if (zoneLoc == ZL_INSIDE) return this;
-    pDt->applyConstraintsAndZones();
+    pMgr->getConstraintMgr().applyConstraintsAndZones();
     std::vector<Triangle2*> vTriangles;
     getTriangles(vTriangles);
     if (vTriangles.empty()) {
@@ -329,7 +343,7 @@ Zone2* Zone2::convertToBoundedZone() {
     }
     std::vector<Edge2> vEdges;
     appendBorderEdges(vTriangles, vEdges);
-    return pDt->createZone(vEdges, ZL_BOUNDED);
+    return pMgr->createZone(vEdges, ZL_BOUNDED);
 }
 
 void Zone2::getBorderEdges(std::vector<Edge2>& vBorderEdgesOut) const {

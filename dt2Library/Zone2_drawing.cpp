@@ -3,7 +3,8 @@
 
 #include <kelm25d/Zone2.h>
 
-#include "Dt2.h"
+#include "ZoneMgr.h"
+#include "meshOutput.h"
 #include "messages.h"
 
 #include <kelm25d/ConstraintGraph2.h>
@@ -57,12 +58,12 @@ void Zone2::show(Visualizer2* pVisualizer, bool bShowFull, bool bWithConstraints
     }
     const std::vector<VertexPair2> vEdges = collectEdges(vTriangles);
     if (bShowFull) {
-        pDt->show(pVisualizer, bWithConstraints);
+        showMesh(pMgr->getMesh(), pVisualizer, bWithConstraints);
         return;
     }
     for (const VertexPair2& edge : vEdges) {
         const Point2 *a = edge.getVertex0(), *b = edge.getVertex1();
-        const bool bEmphasized = bWithConstraints && pDt->isConstraint(a, b);
+        const bool bEmphasized = bWithConstraints && pMgr->getMesh().getSegmentTable().isConstraintEdge(a, b);
         pVisualizer->addObject(Segment2(*a, *b),
                                bEmphasized ? Color(CRED, 0.5F, false) : Color(CBLACK, 0.001F, false));
     }

@@ -4,8 +4,8 @@
 #include <kelm25d/Zone2.h>
 
 #include "AddressSet.h"
-#include "Dt2.h"
 #include "Histogram.h"
+#include "ZoneMgr.h"
 #include "measures.h"
 #include "messages.h"
 
@@ -63,7 +63,7 @@ Zone2* Zone2::combine(Zone2* pZone0, Zone2* pZone1, ZoneLocation zoneLoc, const 
         printError(where, "The zones must belong to the same triangulation! Returning NULL");
         return nullptr;
     }
-    Zone2* pResult = pZone0->pDt->createZone(static_cast<ConstraintGraph2*>(nullptr), zoneLoc);
+    Zone2* pResult = pZone0->pMgr->createZone(static_cast<ConstraintGraph2*>(nullptr), zoneLoc);
     if (pResult != nullptr) pResult->vInputZones = {pZone0, pZone1};
     return pResult;
 }
@@ -121,7 +121,7 @@ Zone2* peelOffIf(Zone2* pZone, UserPredicateT* pPredicate, bool bVerbose) {
     if (sLeft.empty()) return nullptr;
     std::vector<Triangle2*> vLeft;
     sLeft.appendTo(vLeft);
-    Zone2* pResult = pZone->getDelaunayTriangulation()->createZone(vLeft);
+    Zone2* pResult = pZone->pMgr->createZone(vLeft);
     if (bVerbose && pResult != nullptr) {
         std::cout << "Output Zone:\n";
         printCounts(pResult->getNumberOfTriangles(), *pResult);

@@ -15,8 +15,8 @@
 #include <kelm25d/Zone2.h>
 
 #include "AddressSet.h"
-#include "Dt2.h"
 #include "VertexPairHash.h"
+#include "ZoneMgr.h"
 #include "measures.h"
 #include "messages.h"
 #include "prefetch.h"
@@ -151,8 +151,8 @@ std::vector<Edge2> getLongestEdges(const std::vector<Triangle2*>& vTriangles) {
 /// One run over the triangles of a zone that turns diagonals within it.
 class DiagonalTurner {
 public:
-    DiagonalTurner(Dt2& dt_, const Zone2& zone, double planarTolerance_)
-        : dt(dt_), planarTolerance(planarTolerance_) {
+    DiagonalTurner(Mesh2& mesh_, const Zone2& zone, double planarTolerance_)
+        : mesh(mesh_), planarTolerance(planarTolerance_) {
         zone.getTriangles(vTriangles);
         sZoneTriangles = TriangleSet(vTriangles);
     }
@@ -191,21 +191,22 @@ private:
         }
     }
     bool canBeTurned(const Quadrilateral& quad) {
-        return sZoneTriangles.contains(quad.pN) && dt.canBeFlipped(quad.pT, quad.i) &&
+        return sZoneTriangles.contains(quad.pN) && mesh.canBeFlipped(quad.pT, quad.i) &&
                isInterchangeable(quad) && sNewDiagonals.count(VertexPair2(quad.b, quad.c)) == 0;
     }
     /// Whether the diagonals are so in the plane. A tolerance that is not a number allows nothing.
     bool isInterchangeable(const Quadrilateral& quad) {
-        if (planarTolerance <= 0.0) return dt.getQuorTest().circleIncFiltered(quad.pT, quad.d) == 0;
+        if (planarTolerance <= 0.0)
+            return mesh.getQuorTest().circleIncFiltered(quad.pT, quad.d) == InCircle::ON;
         return relativeDifference(length2D(quad.b, quad.c), length2D(quad.a, quad.d)) <= planarTolerance;
     }
     void turn(const Quadrilateral& quad) {
         sNewDiagonals.emplace(quad.a, quad.d);
-        if (planarTolerance > 0.0) dt.setNotDelaunay();
-        Dt2::flip(quad.pT, quad.i);
+        if (planarTolerance > 0.0) mesh.setNotDelaunay();
+        Mesh2::flip(quad.pT, quad.i);
     }
 
-    Dt2& dt;
+    Mesh2& mesh;
     double planarTolerance;
     std::vector<Triangle2*> vTriangles;
     TriangleSet sZoneTriangles; // stays right: both triangles of every flip are elements
@@ -220,7 +221,7 @@ bool runsTheWrongWay(const Quadrilateral& quad) {
 } // namespace
 
 void Zone2::slopeValleyRidgeOptimization() {
-    if (pDt->isBroken("Zone2::slopeValleyRidgeOptimization()")) return;
+    if (pMgr->getMesh().isBroken("Zone2::slopeValleyRidgeOptimization()")) return;
     constexpr int maxNumPasses = 3;
     analyzeAngles();
     std::vector<Triangle2*> vWorkList, vChangedT;
@@ -236,15 +237,16 @@ void Zone2::slopeValleyRidgeOptimization() {
 
 void Zone2::optimize(std::vector<Triangle2*>& vT, std::vector<Triangle2*>& vChangedT) {
     KELM_CHECK(vChangedT.empty());
+    Mesh2& mesh = pMgr->getMesh();
     for (Triangle2* pT : vT) {
         const int longest = pT->getMaxIndex();
         for (int k = 0; k < 3; ++k) {
             const int i = (longest + k) % 3;
-            if (!pDt->canBeFlipped(pT, i)) continue;
+            if (!mesh.canBeFlipped(pT, i)) continue;
             const Quadrilateral quad(Edge2(pT, i));
             if (!isWorthTurning(quad)) continue;
-            pDt->setNotDelaunay();
-            Dt2::flip(pT, i);
+            mesh.setNotDelaunay();
+            Mesh2::flip(pT, i);
             vChangedT.push_back(pT);
             vChangedT.push_back(quad.pN);
             break;
@@ -255,8 +257,8 @@ void Zone2::optimize(std::vector<Triangle2*>& vT, std::vector<Triangle2*>& vChan
 }
 
 void Zone2::optimizeValleysAndRidges(double planarTolerance, double spatialThreshold) {
-    if (pDt->isBroken("Zone2::optimizeValleysAndRidges()")) return;
-    DiagonalTurner(*pDt, *this, planarTolerance).run([&](const Quadrilateral& quad) {
+    if (pMgr->getMesh().isBroken("Zone2::optimizeValleysAndRidges()")) return;
+    DiagonalTurner(pMgr->getMesh(), *this, planarTolerance).run([&](const Quadrilateral& quad) {
         const double present = std::sqrt(sqDistance25D(*quad.b, *quad.c));
         const double other = std::sqrt(sqDistance25D(*quad.a, *quad.d));
         // Lengths that can't be compared are taken for the same.
@@ -266,8 +268,8 @@ void Zone2::optimizeValleysAndRidges(double planarTolerance, double spatialThres
 }
 
 void Zone2::unifyGrid(double planarTolerance) {
-    if (pDt->isBroken("Zone2::unifyGrid()")) return;
-    DiagonalTurner(*pDt, *this, planarTolerance).run(runsTheWrongWay);
+    if (pMgr->getMesh().isBroken("Zone2::unifyGrid()")) return;
+    DiagonalTurner(pMgr->getMesh(), *this, planarTolerance).run(runsTheWrongWay);
 }
 
 } // namespace QUOR_KELM25D

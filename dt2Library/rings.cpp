@@ -1,5 +1,5 @@
 // Rings of segments, which meet where their ends have the same x and y.
-// Rings of edges, which meet in a vertex, are in ringEdges.cpp.
+// Rings of edges, which meet in a vertex, are in ringEdges.cpp, the test of a polygon in simplePolygon.cpp.
 //
 // Both sorts walk from segment to segment. The ends of all segments are sorted by place once, so that a step
 // needs no search. sortRing insists on two ends at each place it comes to. sortRingCCW starts at the lowest
@@ -7,8 +7,6 @@
 // right as sharply as it can: so it stays on the outer side where the ring touches itself.
 #include <kelm25d/rings.h>
 
-#include <kelm25d/ConstraintGraph2.h>
-#include <kelm25d/Kelm_2D.h>
 #include <kelm25d/Orientation2.h>
 #include <kelm25d/Vector2.h>
 
@@ -232,29 +230,6 @@ bool sortRingCCW(std::vector<Segment2>& vRing) {
     if (place != 0) return refuseRingCCW("not a ring 1", __LINE__);
     vRing.swap(vResult);
     return true;
-}
-
-bool isSimplePolygon(const std::vector<Segment2>& vSegments) {
-    if (!isFinite(vSegments)) return false;
-    std::vector<Segment2> vProper;
-    std::vector<Point2> vEnds;
-    for (const Segment2& segment : vSegments) {
-        if (segment.getSrc() == segment.getTrg()) continue;
-        vProper.push_back(segment);
-        vEnds.push_back(segment.getSrc());
-        vEnds.push_back(segment.getTrg());
-    }
-    if (vProper.empty()) return false;
-    std::sort(vEnds.begin(), vEnds.end());
-    for (std::size_t i = 0; i < vEnds.size(); i += 2)
-        if (vEnds[i] != vEnds[i + 1]) return false;
-
-    Kelm_2D dt(3);
-    const ConstraintGraph2* pGraph = dt.createConstraint(vProper, CIS_CONSTRAINED_DELAUNAY, false);
-    if (!pGraph) return false;
-    std::vector<ConstraintSegment2*> vChildren;
-    pGraph->getChildrenInOrder(vChildren);
-    return vChildren.size() == vProper.size();
 }
 
 } // namespace QUOR_KELM25D

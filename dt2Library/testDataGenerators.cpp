@@ -1,13 +1,13 @@
 // Random numbers in a range, and points, polygons, segments and surfaces made of them; regular curves; shear.
 // The generator underneath is in random.cpp. Counts are computed in std::size_t: three times a count may
 // exceed unsigned int.
-#include <kelm25d/Kelm_2D.h>
 #include <kelm25d/Point2.h>
 #include <kelm25d/Segment2.h>
 #include <kelm25d/Triangle2.h>
 #include <kelm25d/rings.h>
 #include <kelm25d/testDataGenerators.h>
 
+#include "Mesh2.h"
 #include "messages.h"
 #include "random.h"
 
@@ -224,10 +224,10 @@ void generateRandomPolygon(unsigned int numSegments, double min, double max,
     for (;; seed = getNextSeed(seed)) { // so a seed of 0 goes on as 1, deliberately
         std::vector<Point2> vPoints;
         drawPoints(50 * numPolygonRetries + 4 * std::size_t(numSegments), lower, upper, vPoints, seed);
-        Kelm_2D triangulation(3);
-        triangulation.insert(vPoints);
+        Mesh2 mesh(3);
+        mesh.insertVector(vPoints);
         std::vector<Triangle2*> vTriangles;
-        triangulation.getTrianglePointers(vTriangles);
+        mesh.getTrianglePointers(vTriangles);
         RegionGrower grower(numSegments, min, max);
         if (grower.grow(vTriangles)) {
             numPolygonRetries = 0;

@@ -22,8 +22,8 @@ TEST(BulkInsertion, EachKindIsValidFromVectorAndArrayWithAnyNumberOfThreads) {
             Kelm_2D dt, fromArray;
             dt.setNumCPU(numCPU);
             fromArray.setNumCPU(numCPU);
-            dt.getImpl()->setMinParallelInsertion(1000);
-            fromArray.getImpl()->setMinParallelInsertion(1000);
+            dt.getImpl()->getMesh().setMinParallelInsertion(1000);
+            fromArray.getImpl()->getMesh().setMinParallelInsertion(1000);
             std::vector<Point2*> vHandles(7, nullptr);
             std::vector<double> vCoordinates;
             for (const Point2& p : set.points) {
@@ -104,7 +104,7 @@ TEST(BulkInsertion, WaitingVerticesDisturbNothingAndComeInAtTheNextStart) {
         ASSERT_VALID_MESH(without);
         EXPECT_TRUE(n == 2 || triangleSet(without) == triangleSet(dt));
         for (auto vHull = hullVertices(dt); !vHull.empty(); vHull = hullVertices(dt))
-            dt.getImpl()->remove(vHull[0], true);
+            dt.getImpl()->getMesh().remove(vHull[0], true);
         dt.insert(v);
         ASSERT_VALID_MESH(dt);
     }

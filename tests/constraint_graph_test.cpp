@@ -153,8 +153,8 @@ TEST(ConstraintSegment, SplitAndRemovePrevTakesTheGeneratorsVerticesCloserThanAn
     const std::pair<const char*, std::function<void()>> aCase[] = {
         {"+++++++++", [&] { EXPECT_TRUE(pCSeg->splitAndRemovePrev(*pCSeg->getSrc())); }},
         {"---++++++", [&] { EXPECT_TRUE(pCSeg->splitAndRemovePrev(place('c'))); }},
-        {"---+++-++", [&] { inner.removeNear(place('c'), 17.0, pDt); }},
-        {"---+++-++", [&] { inner.clear(), inner.removeNear(place('c'), 1e6, pDt); }}};
+        {"---+++-++", [&] { inner.removeNear(place('c'), 17.0, pDt->getMesh()); }},
+        {"---+++-++", [&] { inner.clear(), inner.removeNear(place('c'), 1e6, pDt->getMesh()); }}};
     for (const auto& [left, call] : aCase) {
         call();
         for (std::size_t i = 0; i < v.size(); ++i)
@@ -230,7 +230,7 @@ TEST(ConstraintGraph, RandomBentSegmentsKnowTheirOwnersAndBecomeDelaunayEdges) {
             ASSERT_EQ(mOwners[pCSeg], pCSeg->getNumberOfOwners()) << *pCSeg;
         const bool bRefused = output.printed("not divided");
         for (const ConstraintSegment2* pCSeg : vPieces) {
-            const Edge2 edge = Dt2::findEdge(pCSeg->getSrc(), pCSeg->getTrg());
+            const Edge2 edge = Mesh2::findEdge(pCSeg->getSrc(), pCSeg->getTrg());
             Triangle2 *pT = edge.getTriangle(), *pN = pT ? pT->getOppositeTriangle(edge.getIndex()) : pT;
             if (pN == nullptr) continue; // on the hull, or what a refused division has left
             const Point2& apex = *pN->getCorner(pN->getIntraTriangleIndex(pT));

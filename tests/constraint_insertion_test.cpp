@@ -126,7 +126,7 @@ TEST(ConstraintInsertion, WaitsForTheThirdPointAndOutlastsTheLossOfTheMesh) {
         EXPECT_TRUE(!dt.is2D() && dt.numberOfPoints() == 3) << dt.numberOfPoints();
         ASSERT_EQ("", fault(dt, v));
         dt.applyConstraintsAndZones();
-        dt.getImpl()->applyConstraintsAndZones();
+        dt.getImpl()->getConstraintMgr().applyConstraintsAndZones();
         EXPECT_TRUE(std::regex_search(capture.take(), warnings));
         for (const double x : {1, 2, 3}) {
             Point2* pThird = dt.insert({x, 5, 0});
@@ -220,7 +220,8 @@ TEST(ConstraintInsertion, BadInputGivesItsMessageAndChangesNothing) {
         ASSERT_VALID_MESH(dt);
     }
     CoutCapture capture;
-    EXPECT_EQ(nullptr, Kelm_2D().getImpl()->createConstraint({}, CIS_CONSTRAINED_DELAUNAY, false));
+    EXPECT_EQ(nullptr, Kelm_2D().getImpl()->getConstraintMgr().createUserConstraint(
+                           {}, CIS_CONSTRAINED_DELAUNAY, false));
     EXPECT_TRUE(capture.printed("Dt2::createConstraint(..), WARNING: vSegments is empty, returning NULL\n"));
 }
 

@@ -42,7 +42,7 @@ TEST(ConstraintStress, TheCheckerSeesAConstraintThatIsFlippedAway) {
     int diagonal = 0;
     while (pT->getOppositeTriangle(diagonal) == nullptr)
         ++diagonal;
-    Dt2::flip(pT, diagonal);
+    Mesh2::flip(pT, diagonal);
     EXPECT_NE("", findConstraintFault(dt, vSquare, pGraph));
     EXPECT_EQ("", findConstraintFault(dt, vSquare, pGraph, true)); // as if it waited
 }

@@ -109,7 +109,7 @@ TEST(Cutting, ProtectedSurfaceStaysAsItIs) {
             const Point2 p(a.first, a.second, 0), q(b.first, b.second, 0);
             const bool bMet = std::any_of(test.knives.begin(), test.knives.end(), [&](const Segment2& knife) {
                 const Point2 src = knife.getSrc(), trg = knife.getTrg();
-                return dt.getImpl()->getQuorTest().segmentsIntersect(&p, &q, &src, &trg) != 0;
+                return dt.getImpl()->getQuorTest().segmentsIntersect(&p, &q, &src, &trg) != Meeting::DISJOINT;
             });
             EXPECT_TRUE(bMet || sAfter.count(edge) != 0);
         }

@@ -37,7 +37,7 @@ std::vector<Triangle2*> flipAtRandom(Kelm_2D& dt, std::mt19937_64& random) {
     for (std::size_t k = 0; k < 2 * vTriangles.size(); ++k) {
         Triangle2* pT = vTriangles[random() % vTriangles.size()];
         const int i = static_cast<int>(random() % 3);
-        if (dt.getImpl()->canBeFlipped(pT, i)) Dt2::flip(pT, i);
+        if (dt.getImpl()->getMesh().canBeFlipped(pT, i)) Mesh2::flip(pT, i);
     }
     return vTriangles;
 }

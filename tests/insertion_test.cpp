@@ -29,7 +29,7 @@ TEST(Flips, AreUndoneByLegalizingAndAllowedExactlyInConvexQuadrilaterals) {
         SCOPED_TRACE(set.name);
         Kelm_2D dt;
         dt.insert(set.points);
-        Dt2& impl = *dt.getImpl();
+        Mesh2& mesh = dt.getImpl()->getMesh();
         const std::vector<Triangle2*> vTriangles = allTriangles(dt);
         for (std::size_t k = 0; k < 3 * vTriangles.size(); ++k) {
             Triangle2* pT = vTriangles[k / 3];
@@ -39,11 +39,11 @@ TEST(Flips, AreUndoneByLegalizingAndAllowedExactlyInConvexQuadrilaterals) {
             const Point2* d = pN != nullptr ? pN->getCorner(pN->getIntraTriangleIndex(pT)) : nullptr;
             const bool bConvex =
                 d != nullptr && exactOrientation(*a, *b, *d) > 0 && exactOrientation(*a, *d, *c) > 0;
-            ASSERT_EQ(bConvex, impl.canBeFlipped(pT, i));
+            ASSERT_EQ(bConvex, mesh.canBeFlipped(pT, i));
             if (!bConvex) continue;
-            impl.flip(pT, i);
+            mesh.flip(pT, i);
             ASSERT_TRUE(pT->getCorner(0) == a && pN->getCorner(0) == a && pT->getOppositeTriangle(1) == pN);
-            impl.legalizeAround(b);
+            mesh.legalizeAround(b);
             ASSERT_VALID_MESH(dt);
         }
     }
@@ -65,15 +65,17 @@ TEST(Walk, EndsAtTheRightPlaceEvenAfterManySteps) {
             const double sx = i % 3 / 3.5, sy = i % 2 / 2.0; // shares of another place
             const Point2 a = pick(set.points), b = pick(set.points);
             const Point2 q(1.1 * sx * b.x() + (1 - sx) * a.x(), sy * b.y() + (1 - sy) * a.y(), 0);
-            Triangle2* pT = pick(vTriangles);
-            int edgeIdx = -1;
-            const int result = dt.getImpl()->locateFrom(&q, pT, edgeIdx);
-            const Point2* const c[] = {pT->getCorner(0), pT->getCorner(1), pT->getCorner(2)};
-            ASSERT_EQ(result == 4, *c[0] == q || *c[1] == q || *c[2] == q);
-            for (int k = 0; k < 3 && result != 4; ++k) {
+            const Location found = dt.getImpl()->getMesh().locateFrom(&q, pick(vTriangles));
+            const auto& c = found.pT->getCorners();
+            const bool bAtCorner = found.kind == Location::AT_CORNER;
+            ASSERT_TRUE(bAtCorner ? *c[found.idx] == q : *c[0] != q && *c[1] != q && *c[2] != q);
+            ASSERT_EQ(found.kind == Location::INSIDE, found.idx == -1);
+            const bool bOutside = found.kind == Location::OUTSIDE;
+            for (int k = 0; k < 3 && !bAtCorner; ++k) {
                 const int side = exactOrientation(*c[(k + 1) % 3], *c[(k + 2) % 3], q);
-                ASSERT_TRUE(result >= 0 || (k == edgeIdx ? side == 0 : side > 0));
-                ASSERT_TRUE(k != result || (pT->getOppositeTriangle(k) == nullptr && side <= 0));
+                ASSERT_TRUE(bOutside || (k == found.idx ? side == 0 : side > 0));
+                ASSERT_TRUE(!bOutside || k != found.idx ||
+                            (found.pT->getOppositeTriangle(k) == nullptr && side <= 0));
             }
         }
     }

@@ -7,7 +7,7 @@ namespace {
 
 void insertInParallel(Kelm_2D& dt, int numCPU, const std::vector<Point2>& v, std::vector<Point2*>& vHandles) {
     dt.setNumCPU(numCPU);
-    dt.getImpl()->setMinParallelInsertion(1000);
+    dt.getImpl()->getMesh().setMinParallelInsertion(1000);
     dt.insert(v, vHandles);
     ASSERT_VALID_MESH(dt);
     for (std::size_t i = 0; i < v.size(); ++i)

@@ -86,8 +86,8 @@ TEST(Predicates, NearDegenerateCasesAgreeWithRationals) {
         const int expected = toResult(exactInCircle(*a, *b, *c, *q));
         const std::set<double> sX{a->x(), b->x(), c->x(), q->x()}, sY{a->y(), b->y(), c->y(), q->y()};
         const bool bRectangle = sX.size() * sY.size() == 4 && *q != *a && *q != *b && *q != *c;
-        ASSERT_EQ(expected, quorTest.circleIncFiltered(&t, q));
-        ASSERT_EQ(expected, quorTest.circleIncExact(&t, q));
+        ASSERT_EQ(expected, static_cast<int>(quorTest.circleIncFiltered(&t, q)));
+        ASSERT_EQ(expected, static_cast<int>(quorTest.circleIncExact(&t, q)));
         // Deliberately the fourth corner of a rectangle counts as inside here only.
         ASSERT_EQ(expected == 1 || bRectangle, quorTest.circleInc(&t, q));
         sign = expected == 2 ? -1 : expected;
@@ -129,18 +129,20 @@ TEST(Predicates, SegmentsMeetInAllPositions) {
     const Point2 p0(100, -5000, 0), p1(101, 5000, 0), q0(101, -5000, 0), q1(100, 5000, 0);
     struct Case {
         Point2 a, b, c, d;
-        int expected;
+        Meeting expected;
         double x, y; // of getIntersection2D, infinite where it fails
     };
-    const Case aCases[] = {
-        {o, ne, e, n, 2, 2, 2},          {o, ne, n, m, 2, 2, 2},          {o, e, e, n, 2, 4, 0},
-        {o, m, m, far, 1, 2, 2},         {o, e, m, ne, 0, 0, 0}, // the end nearest to the lines' intersection
-        {p0, p1, q0, q1, 2, 100.5, 0},                           // too steep for double arithmetic
-        {o, m, ne, far, 0, INFINITY, 0}, {o, ne, m, far, 1, INFINITY, 0}, {o, e, n, ne, 0, INFINITY, 0}};
+    constexpr Meeting DISJOINT = Meeting::DISJOINT, OVERLAP = Meeting::OVERLAP, CROSSING = Meeting::CROSSING;
+    const Case aCases[] = {{o, ne, e, n, CROSSING, 2, 2},          {o, ne, n, m, CROSSING, 2, 2},
+                           {o, e, e, n, CROSSING, 4, 0},           {o, m, m, far, OVERLAP, 2, 2},
+                           {o, e, m, ne, DISJOINT, 0, 0},        // the end nearest to the lines' intersection
+                           {p0, p1, q0, q1, CROSSING, 100.5, 0}, // too steep for double arithmetic
+                           {o, m, ne, far, DISJOINT, INFINITY, 0}, {o, ne, m, far, OVERLAP, INFINITY, 0},
+                           {o, e, n, ne, DISJOINT, INFINITY, 0}};
     for (const Case& k : aCases) {
         SCOPED_TRACE(&k - aCases);
-        EXPECT_EQ(k.expected, QuorTest().segmentsIntersect(&k.a, &k.b, &k.c, &k.d));
-        EXPECT_EQ(k.expected, QuorTest().segmentsIntersect(&k.d, &k.c, &k.a, &k.b));
+        EXPECT_TRUE(k.expected == QuorTest().segmentsIntersect(&k.a, &k.b, &k.c, &k.d));
+        EXPECT_TRUE(k.expected == QuorTest().segmentsIntersect(&k.d, &k.c, &k.a, &k.b));
         double x = INFINITY, y = 0.0;
         const auto intersect = [&] { getIntersection2D(&k.a, &k.b, &k.c, &k.d, x, y); };
         if (std::isfinite(k.x))

@@ -298,7 +298,7 @@ TEST(Validity, TellsWhatIsBrokenUntilItIsMended) {
         EXPECT_TRUE(Mesh(set.points).checkValidity(true, set.name)) << set.name;
     Mesh m(makeAllKinds(60)[0].points);
     const auto isInner = [&](Triangle2* p) {
-        return m.getImpl()->canBeFlipped(p, 0) && p->getOppositeTriangle(1);
+        return m.getImpl()->getMesh().canBeFlipped(p, 0) && p->getOppositeTriangle(1);
     };
     Triangle2* pT = *std::find_if(m.vTriangles.begin(), m.vTriangles.end(), isInner);
     Triangle2 *pN = pT->getOppositeTriangle(0), saved = *pT;
@@ -309,11 +309,11 @@ TEST(Validity, TellsWhatIsBrokenUntilItIsMended) {
         if (k == 0) pT->setVertexPointer(0, pT->getCorner(1));
         if (k == 1) pT->setOppTriangle(0, nullptr);
         if (k == 2) pT->setOppTriangle(0, saved.getOppositeTriangle(1)), pT->setOppTriangle(1, pN);
-        if (k == 3) Dt2::flip(pT, 0);
+        if (k == 3) Mesh2::flip(pT, 0);
         EXPECT_EQ(k == 3, m.checkValidity(false, "m"));
         EXPECT_FALSE(k == 3 && m.checkValidity(true, "m"));
         EXPECT_TRUE(capture.printed(std::string("Kelm_2D::CheckValidity(m), ERROR: ") + aText[k]));
-        k == 3 ? Dt2::flip(pT, pT->getIntraTriangleIndex(pN)) : void(*pT = saved);
+        k == 3 ? Mesh2::flip(pT, pT->getIntraTriangleIndex(pN)) : void(*pT = saved);
         ASSERT_VALID_MESH(m);
     }
     for (const auto& entry : std::filesystem::directory_iterator(".")) {

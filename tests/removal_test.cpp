@@ -42,7 +42,7 @@ TEST(HullRemoval, FanOfManyTrianglesGoesInLinearTime) {
     dt.insert(v, vHandles);
     ASSERT_EQ(n - 1U, dt.numberOfTriangles());
     const auto start = std::chrono::steady_clock::now();
-    dt.getImpl()->remove(vHandles[0], true);
+    dt.getImpl()->getMesh().remove(vHandles[0], true);
     // Milliseconds, where a quadratic cost takes minutes.
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
     EXPECT_FALSE(dt.is2D());

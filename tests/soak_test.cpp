@@ -34,7 +34,7 @@ TEST(Soak, RandomOperationsKeepTheMeshValid) {
             } else if (dt.numberOfPoints() != 0) {
                 vVertices = hullVertices(dt);
                 if (!dt.is2D()) dt.getVertexPointers(vVertices);
-                dt.getImpl()->remove(vVertices[random() % vVertices.size()], true);
+                dt.getImpl()->getMesh().remove(vVertices[random() % vVertices.size()], true);
             }
             if (i == 2500) {
                 ASSERT_VALID_MESH(dt);

@@ -113,7 +113,7 @@ TEST(SurfaceOptimization, NoLongestEdgeIsLeftThatShouldBeTheOtherDiagonal) {
         std::vector<Triangle2*> vT;
         terrain.pInside->getTriangles(vT);
         for (const Triangle2* pT : vT) {
-            if (!terrain.dt.getImpl()->canBeFlipped(pT, pT->getMaxIndex())) continue;
+            if (!terrain.dt.getImpl()->getMesh().canBeFlipped(pT, pT->getMaxIndex())) continue;
             const auto [a, b, c, d] = quadrilateral(*pT, pT->getMaxIndex());
             const Vector2 now = *c - *b, then = *d - *a;
             const double flat = relative(std::hypot(now.x(), now.y()), std::hypot(then.x(), then.y()));
@@ -159,7 +159,7 @@ TEST(SlopeOptimization, DecidesByAnglesAndFlipsOneEdgeOfATriangle) {
             std::vector<Triangle2*> vOne{pT}, vChanged, vExpected;
             for (int k = 0; k < 3 && vExpected.empty(); ++k) {
                 const int i = (pT->getMaxIndex() + k) % 3;
-                if (terrain.dt.getImpl()->canBeFlipped(pT, i) && isWorthTurning(*pT, i))
+                if (terrain.dt.getImpl()->getMesh().canBeFlipped(pT, i) && isWorthTurning(*pT, i))
                     vExpected = {pT, pT->getOppositeTriangle(i)};
             }
             std::sort(vExpected.begin(), vExpected.end());

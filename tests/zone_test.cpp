@@ -55,7 +55,7 @@ struct Scene {
             for (const ZoneLocation location : {ZL_INSIDE, ZL_OUTSIDE})
                 add({dt.createZone(pGraph, location), location, {pGraph}});
         const std::vector<ConstraintGraph2*> vSome = {vGraphs[0], vGraphs[1]};
-        add({dt.getImpl()->createZone(vSome, ZL_OUTSIDE), ZL_OUTSIDE, {vGraphs[0], vGraphs[1]}});
+        add({dt.getImpl()->getZoneMgr().createZone(vSome, ZL_OUTSIDE), ZL_OUTSIDE, {vGraphs[0], vGraphs[1]}});
         for (const Point2& start : {point(), Point2(20, 20, 0), Point2(5, 5, 0)})
             add({dt.createZone(vSome, ZL_GROW, start), ZL_GROW, {vGraphs[0], vGraphs[1]}, {start}});
         static Zone2* (*const aOperation[])(Zone2*, Zone2*) = {zoneUnion, zoneIntersection, zoneDifference,
@@ -90,7 +90,7 @@ struct Scene {
             dt.createConstraint({Segment2(point(), point())}, CIS_CONSTRAINED_DELAUNAY, true);
             break;
         case 3:
-            if (dt.getImpl()->canBeFlipped(pT, 0)) Dt2::flip(pT, 0);
+            if (dt.getImpl()->getMesh().canBeFlipped(pT, 0)) Mesh2::flip(pT, 0);
             break;
         default:
             dt.insert(point());
@@ -202,10 +202,10 @@ TEST(Zones, RefusalsSayWhatIsWrong) {
          "Dt2::createZone(), WARNING: The constraint graph is not oriented, returning NULL"},
         {[&] { return dt.createZone(pRing, ZL_INSIDE, Point2(1, 1, 0)); },
          "Dt2::createZone(), ERROR: This overloaded version of createZone accepts only ZL_GROW"},
-        {[&] { return impl.createZone(vBoth, ZL_GROW); },
+        {[&] { return impl.getZoneMgr().createZone(vBoth, ZL_GROW); },
          "Dt2::createZone(), ERROR: This overloaded version of createZone accepts only ZL_INSIDE and "
          "ZL_OUTSIDE"},
-        {[&] { return impl.createZone(std::vector<Edge2>(), ZL_GROW); },
+        {[&] { return impl.getZoneMgr().createZone(std::vector<Edge2>(), ZL_GROW); },
          "Dt2::createZone(), ERROR: This overloaded version of createZone accepts only ZL_BOUNDED"},
         {[&] { return dt.createZone(Triangles(1, nullptr)); }, "A triangle is NULL"},
         {[&] { return dt.createZone(Triangles()); },

@@ -13,6 +13,7 @@
 namespace QUOR_KELM25D {
 
 class Color;
+class ConstraintMgr;
 class ConstraintSegment2;
 class Dt2;
 class Point2;
@@ -81,8 +82,8 @@ private:
     friend class ConstraintSegment2;
     using Segments = std::vector<ConstraintSegment2*>;
 
-    ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, ConstraintInsertionStrategy cis_);
-    ConstraintGraph2(Dt2* pDt_, const Segments& vSegments, const std::vector<bool>& vReverse,
+    ConstraintGraph2(ConstraintMgr& mgr_, const Segments& vSegments, ConstraintInsertionStrategy cis_);
+    ConstraintGraph2(ConstraintMgr& mgr_, const Segments& vSegments, const std::vector<bool>& vReverse,
                      ConstraintInsertionStrategy cis_);
 
     void own(const Segments& vSegments);
@@ -91,6 +92,7 @@ private:
     void fillChildFlags(ConstraintSegment2* pParent);
     bool makeDelaunay(ConstraintSegment2* pSegment, double sqMin, Segments& vStack);
 
+    ConstraintMgr& mgr; // the owner
     Dt2* pDt;
     ConstraintInsertionStrategy cis;
     std::size_t number;    // of graphs made before in the triangulation

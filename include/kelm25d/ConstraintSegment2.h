@@ -15,7 +15,7 @@
 namespace QUOR_KELM25D {
 
 class ConstraintGraph2;
-class Dt2;
+class ConstraintMgr;
 
 /// A constraint segment between two vertices, a node of a binary tree of splits.
 ///
@@ -87,7 +87,7 @@ public:
 private:
     friend class ConstraintGraph2;
     friend class ConstraintMgr;
-    friend class Dt2;
+    friend class SegmentInserter;
     friend class FloodBarrier;
     friend class LeafWalk;
     friend class SegmentTable;
@@ -111,7 +111,7 @@ private:
     bool isParallelTo(const ConstraintSegment2* pChild) const noexcept {
         return pChild->p0 == p0 || pChild->p1 == p1;
     }
-    Dt2* getDt2() const noexcept;
+    ConstraintMgr& getMgr() const noexcept;
     bool divide(Point2* pSplit);
     bool isBelow(const ConstraintSegment2* pRoot) const;
     void addOwnerRec(ConstraintGraph2* pGraph);

@@ -109,9 +109,8 @@ public:
 
 private:
     friend class Triangle2;
-    friend class Dt2;
+    friend class Mesh2;
     friend class VertexVault;
-    friend class Chunk;
     friend class SegmentTable;
 
     void setIncidentTriangle(Triangle2* pTriangle) noexcept { pIncidentTriangle = pTriangle; }

@@ -47,8 +47,14 @@ public:
     /// Corner i; null only in a triangle that is not in use.
     Point2* getCorner(int i) const noexcept { return aCorner[i]; }
 
+    /// All three corners, in their order: `for (Point2* pCorner : pT->getCorners())`.
+    Point2* const (&getCorners() const noexcept)[3] { return aCorner; }
+
     /// The neighbour across edge i, null on the hull.
     Triangle2* getOppositeTriangle(int i) const noexcept { return aOppTriangle[i]; }
+
+    /// All three neighbours, in the order of the corners opposite them; null ones on the hull.
+    Triangle2* const (&getOppositeTriangles() const noexcept)[3] { return aOppTriangle; }
 
     /// Writes corner slot i and nothing else: the vertex's incident triangle stays as it is.
     void setVertexPointer(int i, Point2* pVertex) noexcept { aCorner[i] = pVertex; }
@@ -195,9 +201,6 @@ protected:
     bool isAccurateCC(int ici, const Point2& cc) const;
 
 private:
-    friend class Dt2;
-    friend class Chunk;
-
     void reportMissingEdge(const Point2* pA, const Point2* pB) const;
 
     Point2* aCorner[3];         // counterclockwise, all null or none

@@ -21,6 +21,7 @@ class Triangle2;
 class UserPredicateT;
 class Visualizer2;
 class Visualizer3;
+class ZoneMgr;
 
 /// A set of triangles that is described and never stored: by a location, constraint graphs, start points or
 /// two other zones.
@@ -146,7 +147,7 @@ protected:
     void optimize(std::vector<Triangle2*>& vT, std::vector<Triangle2*>& vChangedT);
 
 private:
-    friend class Dt2;
+    friend KELM25D_API Zone2* peelOffIf(Zone2* pZone, UserPredicateT* pPredicate, bool bVerbose);
     friend KELM25D_API Zone2* zoneUnion(Zone2* pZone0, Zone2* pZone1);
     friend KELM25D_API Zone2* zoneIntersection(Zone2* pZone0, Zone2* pZone1);
     friend KELM25D_API Zone2* zoneDifference(Zone2* pZone0, Zone2* pZone1);
@@ -155,12 +156,12 @@ private:
     class Evaluation;
 
     static Zone2* combine(Zone2* pZone0, Zone2* pZone1, ZoneLocation zoneLoc, const char* where);
-    static bool isResult(ZoneLocation zoneLoc) noexcept {
-        return zoneLoc >= ZL_RESULT_UNION && zoneLoc <= ZL_RESULT_SYMMETRIC_DIFFERENCE;
-    }
+    static ZoneMgr* managerOf(Dt2* pDt) noexcept;
+    void growFromStartPoints(std::vector<Triangle2*>& vTriangles) const;
     void checkLocation(bool bAccepted, const char* text) const;
 
     Dt2* pDt;
+    ZoneMgr* pMgr; // its manager
     ZoneLocation zoneLoc;
     std::vector<ConstraintGraph2*> vConstraintGraphs; // owned by the ConstraintMgr
     std::vector<Point2> vStartPoints;                 // of a ZL_GROW zone

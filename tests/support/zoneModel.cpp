@@ -100,7 +100,7 @@ TriangleMultiset ZoneModel::getTriangles(Kelm_2D& dt) const {
     const std::map<Triangle2*, int> mPart = findParts(dt, vGraphs);
     std::multiset<int> sChosen;
     for (const Point2& startPoint : vStartPoints)
-        if (Triangle2* pT = dt.getImpl()->getStartTriangle(startPoint)) sChosen.insert(mPart.at(pT));
+        if (Triangle2* pT = dt.getImpl()->getMesh().locateUniquely(startPoint)) sChosen.insert(mPart.at(pT));
     if (location != ZL_GROW) {
         std::set<std::pair<const Point2*, const Point2*>> sSides;
         for (const ConstraintGraph2* pGraph : vGraphs)

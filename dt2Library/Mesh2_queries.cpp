@@ -1,10 +1,14 @@
 // Questions to a finished triangulation: where a point lies, what meets at a vertex, the hull, the height.
-// Lines over the surface are in Dt2_drape.cpp, the check of the whole mesh in Dt2_validity.cpp.
+// Lines over the surface are in Drape.cpp, the check of the whole mesh in Dt2_validity.cpp.
 
-#include "Dt2.h"
+#include "Mesh2.h"
 
+#include "Fan.h"
 #include "footPoint.h"
+#include "measures.h"
 #include "messages.h"
+
+#include <kelm25d/TriangleAroundVertexIterator.h>
 
 #include <algorithm>
 #include <cmath>
@@ -42,31 +46,67 @@ bool isSteep(const Triangle2& t) noexcept {
 
 // --- location ---------------------------------------------------------------------------------------------
 
-Triangle2* Dt2::locate(const Point2& p) {
-    if (!is2D() || !std::isfinite(p.x()) || !std::isfinite(p.y()) || isBroken("Dt2::locate()"))
-        return nullptr;
+Triangle2* Mesh2::locate(const Point2& p) {
+    if (!is2D() || !isFinite(p) || isBroken("Dt2::locate()")) return nullptr;
     if (p.getMaxAbs() > quorTest.getRange()) quorTest.setRange(p.getMaxAbs());
-    Triangle2* pT = inserter.approach(p, findStart(p));
-    int edgeIdx = -1;
-    const int result = locateFrom(&p, pT, edgeIdx);
-    pLastFound = pT;
-    if (result < 0 || result == 4) return pT;
-    return quorTest.getEdgeOrientation(pT, result, &p) == ORIENTATION2_CW ? nullptr : pT;
+    const Location location = locateFrom(&p, inserter.approach(p, findStart(p)));
+    pLastFound = location.pT;
+    const bool bOutside =
+        location.kind == Location::OUTSIDE &&
+        quorTest.getEdgeOrientation(location.pT, location.idx, &p) == ORIENTATION2_CW; // else on the hull
+    return bOutside ? nullptr : location.pT;
 }
 
-Triangle2* Dt2::getAdjacentTriangle(Point2* p0, Point2* p1) const {
+Triangle2* Mesh2::locateUniquely(const Point2& p) {
+    Triangle2* pT = locate(p);
+    if (pT == nullptr) return nullptr;
+    std::vector<Triangle2*> vMeeting = {pT};
+    for (int i = 0; i < 3; ++i) {
+        Triangle2* pN = pT->getOppositeTriangle(i);
+        if (*pT->getCorner(i) == p) {
+            getIncidentTriangles(pT->getCorner(i), vMeeting);
+        } else if (pN != nullptr && quorTest.getEdgeOrientation(pT, i, &p) == ORIENTATION2_COLLINEAR) {
+            vMeeting.push_back(pN);
+        }
+    }
+    return *std::min_element(vMeeting.begin(), vMeeting.end(), [](const Triangle2* a, const Triangle2* b) {
+        return a->getBarycenter() < b->getBarycenter();
+    });
+}
+
+// --- what meets at a vertex -------------------------------------------------------------------------------
+
+Edge2 Mesh2::findEdge(const Point2* a, const Point2* b) {
+    Fan fanA(a), fanB(b);
+    for (;;) {
+        for (Fan* pFan : {&fanA, &fanB}) {
+            Triangle2* pT = pFan->getTriangle();
+            if (pT == nullptr) return Edge2();
+            const int i = pFan->getIndex();
+            const Point2* pOther = pFan == &fanA ? b : a;
+            const bool bOut = pT->getCorner(next(i)) == pOther;
+            if (bOut || pT->getCorner(prev(i)) == pOther) {
+                const int edgeIdx = bOut ? prev(i) : next(i);
+                Triangle2* pN = pT->getOppositeTriangle(edgeIdx);
+                if (bOut == (pFan == &fanA) || pN == nullptr) return Edge2(pT, edgeIdx);
+                return Edge2(pN, pN->getIntraTriangleIndex(pT));
+            }
+            pFan->advance();
+        }
+    }
+}
+
+Triangle2* Mesh2::getAdjacentTriangle(Point2* p0, Point2* p1) const {
     KELM_CHECK(p0!=0);
     KELM_CHECK(p1!=0);
     KELM_CHECK(p0!=p1);
-    std::vector<Triangle2*> vFan;
-    if (p0->getIncidentTriangle() != nullptr) getIncidentTriangles(p0, vFan);
-    for (Triangle2* pT : vFan) {
-        if (pT->getCorner(incIndexBy1(pT->getIntraTriangleIndex(p0))) == p1) return pT;
+    for (Fan fan(p0); fan.getTriangle() != nullptr; fan.advance()) {
+        if (fan.getTriangle()->getCorner(next(fan.getIndex())) == p1) return fan.getTriangle();
     }
     return nullptr;
 }
 
-void Dt2::getIncidentTriangles(Point2* pVtx, std::vector<Triangle2*>& vTriangles) const {
+void Mesh2::getIncidentTriangles(Point2* pVtx, std::vector<Triangle2*>& vTriangles) const {
     KELM_CHECK(pVtx!=0);
     const TriangleAroundVertexIterator start(pVtx);
     TriangleAroundVertexIterator it(start);
@@ -76,14 +116,14 @@ void Dt2::getIncidentTriangles(Point2* pVtx, std::vector<Triangle2*>& vTriangles
     } while (it != start);
 }
 
-void Dt2::getIncidentVertices(Point2* pVtx, std::vector<Point2*>& vVertices) const {
+void Mesh2::getIncidentVertices(Point2* pVtx, std::vector<Point2*>& vVertices) const {
     std::vector<Triangle2*> vFan;
     getIncidentTriangles(pVtx, vFan);
     std::vector<Point2*> vFound;
     for (const Triangle2* pT : vFan) {
         const int i = pT->getIntraTriangleIndex(pVtx);
-        vFound.push_back(pT->getCorner(incIndexBy1(i)));
-        vFound.push_back(pT->getCorner(incIndexBy2(i)));
+        vFound.push_back(pT->getCorner(next(i)));
+        vFound.push_back(pT->getCorner(prev(i)));
     }
     std::sort(vFound.begin(), vFound.end());
     vFound.erase(std::unique(vFound.begin(), vFound.end()), vFound.end());
@@ -92,44 +132,31 @@ void Dt2::getIncidentVertices(Point2* pVtx, std::vector<Point2*>& vVertices) con
 
 // --- the hull ---------------------------------------------------------------------------------------------
 
-/// Appends the edges of the hull, counterclockwise from the lowest of the leftmost vertices; none before
-/// is2D().
-void Dt2::getHullEdges(std::vector<Edge2>& vEdges) {
+void Mesh2::getHullEdges(std::vector<Edge2>& vEdges) {
     if (!is2D() || isBroken("Dt2::getConvexHull()")) return;
     // The corner of the box of all points lies on the hull or outside: the walk to it ends at a hull edge or
     // at a hull vertex.
     const Point2 boxCorner(extent.get_minX(), extent.get_minY(), 0.0);
-    Triangle2* pT = findStart(boxCorner);
-    int edgeIdx = -1;
-    int hullIdx = locateFrom(&boxCorner, pT, edgeIdx);
-    if (hullIdx == MeshInserter::AT_CORNER) {
-        int cornerIdx = 0;
-        while (*pT->getCorner(cornerIdx) != boxCorner)
-            ++cornerIdx;
-        hullIdx = incIndexBy1(cornerIdx); // the loop below turns from here to the hull edge
+    const Location location = locateFrom(&boxCorner, findStart(boxCorner));
+    Edge2 edge(location.pT, location.idx);
+    if (location.kind == Location::AT_CORNER) {
+        edge = hullEdgeFrom(location.pT->getCorner(location.idx), location.pT);
+    } else if (location.kind != Location::OUTSIDE) {
+        checkFailed("hullIdx>-1 && hullIdx<3", __FILE__, __LINE__);
     }
-    KELM_CHECK(hullIdx>-1 && hullIdx<3);
-
     std::vector<Edge2> vHull;
-    const Point2* pStartVtx = pT->getCorner(incIndexBy2(hullIdx));
-    const Point2* pVtx = pStartVtx;
+    const Point2* pStartVtx = edge.getTrg();
     do {
-        // Through the fan of the vertex to the hull edge that leaves it.
-        int axisIdx = pT->getIntraTriangleIndex(pVtx);
-        while (Triangle2* pN = pT->getOppositeTriangle(incIndexBy2(axisIdx))) {
-            pT = pN;
-            axisIdx = pT->getIntraTriangleIndex(pVtx);
-        }
-        vHull.emplace_back(pT, incIndexBy2(axisIdx));
-        pVtx = vHull.back().getTrg();
-    } while (pVtx != pStartVtx);
+        edge = hullEdgeFrom(edge.getTrg(), edge.getTriangle());
+        vHull.push_back(edge);
+    } while (edge.getTrg() != pStartVtx);
     const auto first = std::min_element(
         vHull.begin(), vHull.end(), [](const Edge2& a, const Edge2& b) { return *a.getSrc() < *b.getSrc(); });
     vEdges.insert(vEdges.end(), first, vHull.end());
     vEdges.insert(vEdges.end(), vHull.begin(), first);
 }
 
-void Dt2::getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull) {
+void Mesh2::getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull) {
     if (!is2D()) {
         printWarning("Dt2::getConvexHull()",
                      "is2D() is false, the triangulation is not full dimensional yet");
@@ -162,20 +189,19 @@ void Dt2::getConvexHull(bool bAllVertices, std::vector<Point2*>& vHull) {
 
 // --- heights ----------------------------------------------------------------------------------------------
 
-bool Dt2::getHeight(double x, double y, double& height, Triangle2* pApproxT, double tolerance) {
+bool Mesh2::getHeight(double x, double y, double& height, Triangle2* pApproxT, double tolerance) {
     if (!is2D() || !std::isfinite(x) || !std::isfinite(y)) return false;
     Triangle2* pT = pApproxT;
     if (pT == nullptr) {
         const Point2 query(x, y, 0.0);
         pT = locate(query);
-        if (pT == nullptr)
-            return tolerance > 0.0 && !bImportFailed && getHeightNearHull(query, height, tolerance);
+        if (pT == nullptr) return tolerance > 0.0 && !bBroken && getHeightNearHull(query, height, tolerance);
     }
     height = heightInTriangle(*pT, x, y);
     return true;
 }
 
-double Dt2::heightInTriangle(const Triangle2& t, double x, double y) {
+double Mesh2::heightInTriangle(const Triangle2& t, double x, double y) {
     const Point2 *p0 = t.getCorner(0), *p1 = t.getCorner(1), *p2 = t.getCorner(2);
     for (const Point2* p : {p0, p1, p2}) {
         if (p->x() == x && p->y() == y) return p->z();
@@ -200,17 +226,14 @@ double Dt2::heightInTriangle(const Triangle2& t, double x, double y) {
 }
 
 /// The height of the hull's border at the place next to a point outside, if that is within the tolerance.
-bool Dt2::getHeightNearHull(const Point2& query, double& height, double tolerance) {
+bool Mesh2::getHeightNearHull(const Point2& query, double& height, double tolerance) {
     Triangle2* pCurTriangle = findStart(query);
     KELM_CHECK(pCurTriangle!=0);
-    int edgeIdx = -1;
-    const int intState = locateFrom(&query, pCurTriangle, edgeIdx);
-    KELM_CHECK(intState>-1 && intState<4);
-    collectVisibleHull(&query, Edge2(pCurTriangle, intState));
-
+    const Location location = locateFrom(&query, pCurTriangle);
+    if (location.kind != Location::OUTSIDE) checkFailed("intState>-1 && intState<4", __FILE__, __LINE__);
     const Point2* pNearest = nullptr;
     double nearest = std::numeric_limits<double>::infinity();
-    for (const Edge2& edge : vHullEdges) {
+    for (const Edge2& edge : getVisibleHull(&query, Edge2(location.pT, location.idx))) {
         const Point2 &src = *edge.getSrc(), &trg = *edge.getTrg();
         const Point2 foot = getFootPoint(src, trg, query);
         if (isOnSegment(src, trg, foot)) {

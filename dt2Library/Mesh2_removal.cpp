@@ -13,29 +13,31 @@
 //
 // In both cases the triangles that were flipped are then made Delaunay by further flips.
 
-#include "Dt2.h"
+#include "Mesh2.h"
 
+#include "Fan.h"
+#include "MeshListener.h"
 #include "messages.h"
-
-#include <kelm25d/Visualizer2.h>
 
 #include <iostream>
 #include <utility>
 
 namespace QUOR_KELM25D {
 
-void Dt2::remove(Point2* pVtx) {
+void Mesh2::remove(Point2* pVtx) {
     if (pVtx == nullptr) {
         printWarning("Dt2::remove(..)", "pVtx==NULL, illegal, return.");
         return;
     }
     if (isBroken("Dt2::remove()")) return;
-    if (constraintMgr.isConstraintVertex(pVtx)) {
+    if (SegmentTable::isConstraintVertex(pVtx)) {
         printWarning("Dt2::remove()", "Illegal: Can't remove a constraint vertex");
         std::cerr << *pVtx << std::endl;
         return;
     }
-    innerVtxMgr.forget(pVtx);
+    for (MeshListener* pListener : vListeners) {
+        pListener->onRemoval(pVtx);
+    }
     vertexVault.sortIfNeeded(true);
     const bool bOwn = vertexVault.isActive(pVtx); // and not a vertex of another triangulation
     if (bOwn && !is2D()) {
@@ -47,14 +49,12 @@ void Dt2::remove(Point2* pVtx) {
         printWarning("Dt2::remove()", "vertex does not belong to the triangulation, return");
         return;
     }
-    TriangleAroundVertexIterator it(pVtx);
-    const TriangleAroundVertexIterator start(it);
     int degree = 0;
-    do {
+    Fan fan(pVtx);
+    for (; fan.getTriangle() != nullptr; fan.advance()) {
         ++degree;
-        ++it;
-    } while (*it != nullptr && it != start);
-    if (*it == nullptr) {
+    }
+    if (fan.hasMetHull()) {
         remove(pVtx, true);
         return;
     }
@@ -69,7 +69,7 @@ void Dt2::remove(Point2* pVtx) {
 // --- inside -----------------------------------------------------------------------------------------------
 
 /// Flips edges away from an inner vertex until three are left.
-void Dt2::reduceDegree(const Point2* pVtx, int degree, std::vector<Triangle2*>& vFlipped) {
+void Mesh2::reduceDegree(const Point2* pVtx, int degree, std::vector<Triangle2*>& vFlipped) {
     Triangle2* pT = pVtx->getIncidentTriangle();
     int numTries = degree;
     for (int remaining = degree; remaining > 3;) {
@@ -80,7 +80,7 @@ void Dt2::reduceDegree(const Point2* pVtx, int degree, std::vector<Triangle2*>& 
             --remaining;
             numTries = remaining + 1;
         } else {
-            pT = pT->aOppTriangle[incIndexBy1(pT->getIntraTriangleIndex(pVtx))];
+            pT = pT->getOppositeTriangle(next(pT->getIntraTriangleIndex(pVtx)));
         }
     }
 }
@@ -88,28 +88,32 @@ void Dt2::reduceDegree(const Point2* pVtx, int degree, std::vector<Triangle2*>& 
 /// Cuts the ear off that pT and its counterclockwise neighbour form at their common edge from pVtx. The
 /// result is the triangle that still has pVtx; null, and nothing changed, if that is no ear or pVtx lies
 /// beyond it.
-Triangle2* Dt2::flipEar(const Point2* pVtx, Triangle2* pT) {
-    const int k = incIndexBy1(pT->getIntraTriangleIndex(pVtx));
-    Triangle2* pN = pT->aOppTriangle[k];
-    const Point2 *a = pT->aCorner[k], *b = pT->aCorner[incIndexBy1(k)];
-    const Point2* d = pN->aCorner[pN->getIntraTriangleIndex(pT)];
+Triangle2* Mesh2::flipEar(const Point2* pVtx, Triangle2* pT) {
+    const int k = next(pT->getIntraTriangleIndex(pVtx));
+    Triangle2* pN = pT->getOppositeTriangle(k);
+    const Point2 *a = pT->getCorner(k), *b = pT->getCorner(next(k));
+    const Point2* d = pN->getCorner(pN->getIntraTriangleIndex(pT));
     if (quorTest.getOrientation2Filtered(a, d, pVtx) == ORIENTATION2_CW) return nullptr;
     if (quorTest.getOrientation2Filtered(a, b, d) != ORIENTATION2_CCW) return nullptr;
     flip(pT, k);
     return pN;
 }
 
-void Dt2::reportWatchDog(const Point2* pVtx, int degree) const {
-    Visualizer2 visualizer(nextDebugPrefix() + "watchDogFailed.ps");
-    show(&visualizer, true);
-    visualizer.addObject(*pVtx, Color(1, 0, 0, 0.1, false));
-    visualizer.writeFile();
+void Mesh2::reportWatchDog(const Point2* pVtx, int degree) const {
+    for (MeshListener* pListener : vListeners) {
+        pListener->onRemovalStuck(pVtx);
+    }
     std::cout << "vUmbrellaT.size()=" << degree << std::endl;
     KELM_CHECK(false);
 }
 
 /// Makes one triangle of the three around a vertex; vFlipped receives it.
-void Dt2::closeHole(const Point2* pVtx, std::vector<Triangle2*>& vFlipped) {
+//          c                  c         Each of the three has the vertex p and an outer edge. aT[0] becomes
+//        / | \              /   \       the triangle (a, b, c), the two others go out of use, and their
+//       /  p  \     ->     /     \      neighbours are linked to it.
+//      / /   \ \          /       \ .
+//     a---------b        a---------b
+void Mesh2::closeHole(const Point2* pVtx, std::vector<Triangle2*>& vFlipped) {
     Triangle2* aT[3];
     Point2* aOuterVtx[3];
     Triangle2* aOuterT[3];
@@ -117,9 +121,9 @@ void Dt2::closeHole(const Point2* pVtx, std::vector<Triangle2*>& vFlipped) {
     for (int k = 0; k < 3; ++k) {
         const int i = pT->getIntraTriangleIndex(pVtx);
         aT[k] = pT;
-        aOuterVtx[k] = pT->aCorner[incIndexBy1(i)];
-        aOuterT[k] = pT->aOppTriangle[i];
-        pT = pT->aOppTriangle[incIndexBy1(i)];
+        aOuterVtx[k] = pT->getCorner(next(i));
+        aOuterT[k] = pT->getOppositeTriangle(i);
+        pT = pT->getOppositeTriangle(next(i));
     }
     aT[0]->setPropertiesAndOppT(aOuterVtx[0], aOuterVtx[1], aOuterVtx[2], aOuterT[1], aOuterT[2], aOuterT[0]);
     MeshInserter::relink(aOuterT[1], aT[1], aT[0]);
@@ -131,14 +135,16 @@ void Dt2::closeHole(const Point2* pVtx, std::vector<Triangle2*>& vFlipped) {
 
 // --- on the hull ------------------------------------------------------------------------------------------
 
-void Dt2::remove(Point2* pVtx, bool bDeactivate) {
+void Mesh2::remove(Point2* pVtx, bool bDeactivate) {
     if (pVtx->getIncidentTriangle() != nullptr) {
         std::vector<Triangle2*> vFlipped;
         cutEarsOff(pVtx, vFlipped);
         dissolveFan(pVtx);
         if (numberOfTriangles() == 0) {
             vertexVault.setFullDimensional(false);
-            constraintMgr.loseEdges();
+            for (MeshListener* pListener : vListeners) {
+                pListener->onAllEdgesLost();
+            }
         }
         repairDelaunay(vFlipped);
     }
@@ -150,78 +156,53 @@ void Dt2::remove(Point2* pVtx, bool bDeactivate) {
 
 /// Flips away the edges from pVtx to the strictly convex corners of its chain of neighbours; vFlipped
 /// receives the triangles that no longer touch it.
-void Dt2::cutEarsOff(Point2* pVtx, std::vector<Triangle2*>& vFlipped) {
+void Mesh2::cutEarsOff(Point2* pVtx, std::vector<Triangle2*>& vFlipped) {
     // Back to the clockwise end of the fan, then counterclockwise through it.
-    Triangle2* pT = pVtx->getIncidentTriangle();
-    while (Triangle2* pN = pT->aOppTriangle[incIndexBy2(pT->getIntraTriangleIndex(pVtx))]) {
-        pT = pN;
-    }
+    Triangle2* pT = hullEdgeFrom(pVtx, pVtx->getIncidentTriangle()).getTriangle();
     for (;;) {
         // pT and its counterclockwise neighbour pN share the edge from pVtx to the chain corner in question.
         const int i = pT->getIntraTriangleIndex(pVtx);
-        Triangle2* pN = pT->aOppTriangle[incIndexBy1(i)];
+        Triangle2* pN = pT->getOppositeTriangle(next(i));
         if (pN == nullptr) return;
-        const Point2 *before = pT->aCorner[incIndexBy1(i)], *corner = pT->aCorner[incIndexBy2(i)];
-        const Point2* behind = pN->aCorner[incIndexBy2(pN->getIntraTriangleIndex(pVtx))];
+        const Point2 *before = pT->getCorner(next(i)), *corner = pT->getCorner(prev(i));
+        const Point2* behind = pN->getCorner(prev(pN->getIntraTriangleIndex(pVtx)));
         if (quorTest.getOrientation2Filtered(before, corner, behind) != ORIENTATION2_CCW) {
             pT = pN;
             continue;
         }
-        flip(pT, incIndexBy1(i));
+        flip(pT, next(i));
         // pT lost pVtx or pN did, whichever has the corner now.
         if (pT->hasVertex(pVtx)) std::swap(pT, pN);
         vFlipped.push_back(pT);
         // The corner before may have become convex by this.
-        Triangle2* pBack = pN->aOppTriangle[incIndexBy2(pN->getIntraTriangleIndex(pVtx))];
+        Triangle2* pBack = pN->getOppositeTriangle(prev(pN->getIntraTriangleIndex(pVtx)));
         pT = pBack != nullptr ? pBack : pN;
     }
 }
 
 /// Takes away all triangles of a hull vertex whose chain of neighbours is the hull of the rest.
-void Dt2::dissolveFan(Point2* pVtx) {
+void Mesh2::dissolveFan(Point2* pVtx) {
     std::vector<Triangle2*> vFan;
-    Triangle2* pT = pVtx->getIncidentTriangle();
-    while (Triangle2* pN = pT->aOppTriangle[incIndexBy2(pT->getIntraTriangleIndex(pVtx))]) {
-        pT = pN;
-    }
-    for (; pT != nullptr; pT = pT->aOppTriangle[incIndexBy1(pT->getIntraTriangleIndex(pVtx))]) {
+    Triangle2* pT = hullEdgeFrom(pVtx, pVtx->getIncidentTriangle()).getTriangle();
+    for (; pT != nullptr; pT = pT->getOppositeTriangle(next(pT->getIntraTriangleIndex(pVtx)))) {
         vFan.push_back(pT);
     }
     // Vertices of the fan that no other triangle holds are out of the mesh: they wait again.
     for (Triangle2* pDead : vFan) {
-        for (Point2* pCorner : pDead->aCorner) {
+        for (Point2* pCorner : pDead->getCorners()) {
             pCorner->setIncidentTriangle(nullptr);
         }
     }
     for (Triangle2* pDead : vFan) {
         const int i = pDead->getIntraTriangleIndex(pVtx);
-        Triangle2* pOuter = pDead->aOppTriangle[i];
+        Triangle2* pOuter = pDead->getOppositeTriangle(i);
         if (pOuter == nullptr) continue;
         pOuter->setOppTriangle(pOuter->getIntraTriangleIndex(pDead), nullptr);
-        pDead->aCorner[incIndexBy1(i)]->setIncidentTriangle(pOuter);
-        pDead->aCorner[incIndexBy2(i)]->setIncidentTriangle(pOuter);
+        pDead->getCorner(next(i))->setIncidentTriangle(pOuter);
+        pDead->getCorner(prev(i))->setIncidentTriangle(pOuter);
     }
     for (Triangle2* pDead : vFan) {
         recycleTriangle(pDead);
-    }
-}
-
-/// Flips in passes until no edge of the given triangles, or of those flipped on the way, violates the empty
-/// circle, but for constraints. Around a removed vertex of the hull there may be some, too.
-void Dt2::repairDelaunay(std::vector<Triangle2*>& vCurrent) {
-    std::vector<Triangle2*> vNext;
-    while (!vCurrent.empty()) {
-        vNext.clear();
-        for (Triangle2* pT : vCurrent) {
-            for (int i = 0; i < 3; ++i) {
-                Triangle2* pN = pT->aOppTriangle[i];
-                if (pN == nullptr || !violatesCircle(pT, i)) continue;
-                flip(pT, i);
-                vNext.push_back(pT);
-                vNext.push_back(pN);
-            }
-        }
-        vCurrent.swap(vNext);
     }
 }
 

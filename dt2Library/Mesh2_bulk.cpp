@@ -1,8 +1,8 @@
 // Insertion of many points at once: order, start triangles, the frame of far corners, duplicates.
-// One vertex enters the mesh in Dt2_location.cpp; keys and sorting belong to VertexVault.
+// One vertex enters the mesh in Mesh2_location.cpp; keys and sorting belong to VertexVault.
 // The order within the Hilbert order is made by insertBisecting in MeshInserter.h.
 
-#include "Dt2.h"
+#include "Mesh2.h"
 
 #include "InserterMT.h"
 #include "MTCtrl.h"
@@ -45,7 +45,7 @@ void reportNotFinite() {
 
 } // namespace
 
-void Dt2::insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHandles) {
+void Mesh2::insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHandles) {
     if (pvHandles != nullptr) pvHandles->clear();
     if (v.empty()) return;
     KELM_CHECK(vertexVault.dupIsClean());
@@ -62,7 +62,7 @@ void Dt2::insertVector(const std::vector<Point2>& v, std::vector<Point2*>* pvHan
 }
 
 /// Extends the box to all points. False, and nothing done, if a coordinate is not finite.
-bool Dt2::extendBox(const std::vector<Point2>& v) {
+bool Mesh2::extendBox(const std::vector<Point2>& v) {
     const int numThreads = v.size() >= VertexVault::minParallel ? numCPU : 1;
     const std::size_t numTasks = std::min(static_cast<std::size_t>(numThreads), v.size());
     std::vector<ExtentTask> vTasks;
@@ -84,12 +84,12 @@ bool Dt2::extendBox(const std::vector<Point2>& v) {
 /// Whether a bulk insertion of n points goes into the frame of far corners. Short ones do without, since they
 /// run on one thread; but vertices that wait have to go on waiting through a bulk insertion with several
 /// threads. Workers know nothing of constraints and rely on empty circles: without those there is one thread.
-bool Dt2::needsFrame(std::size_t n) const noexcept {
-    if (numCPU == 1 || constraintMgr.hasConstraints() || !bMayBeDelaunay) return false;
+bool Mesh2::needsFrame(std::size_t n) const noexcept {
+    if (numCPU == 1 || segmentTable.size() != 0 || !bMayBeDelaunay) return false;
     return n >= minParallelInsertion || (!is2D() && vertexVault.size() != 0);
 }
 
-void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandles) {
+void Mesh2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandles) {
     if (numPoints <= 0) return;
     if (aCoordinates == nullptr || aHandles == nullptr) {
         printError("Dt2::insert()", "an array is missing, none of the points is inserted");
@@ -126,8 +126,8 @@ void Dt2::insertArray(int numPoints, const double* aCoordinates, Point2** aHandl
 
 /// What all bulk insertions do once the box fits: addVertices(firstIdx) fills the vault.
 template <class AddVertices>
-void Dt2::insertBulk(const char* label, std::size_t numPoints, std::vector<Point2*>* pvHandles,
-                     const AddVertices& addVertices) {
+void Mesh2::insertBulk(const char* label, std::size_t numPoints, std::vector<Point2*>* pvHandles,
+                       const AddVertices& addVertices) {
     const double n = static_cast<double>(numPoints);
     progress.begin(label, static_cast<int>(std::min(1.1 * n, 2147483647.0)));
     std::size_t firstIdx = 0;
@@ -147,7 +147,7 @@ void Dt2::insertBulk(const char* label, std::size_t numPoints, std::vector<Point
     progress.finish();
 }
 
-void Dt2::insertRange(VertexVault::EntryIterator first, VertexVault::EntryIterator last, Triangle2* pHint) {
+void Mesh2::insertRange(VertexVault::EntryIterator first, VertexVault::EntryIterator last, Triangle2* pHint) {
     // Without the frame a worker could meet the hull; below the limit threads cost more than they save.
     if (numCPU > 1 && static_cast<std::size_t>(last - first) >= minParallelInsertion &&
         vertexVault.hasFakeCorners()) {
@@ -155,7 +155,7 @@ void Dt2::insertRange(VertexVault::EntryIterator first, VertexVault::EntryIterat
         for (std::size_t i = 0; i < 4; ++i) {
             frame.add(*vertexVault.getFakeCorner(i));
         }
-        InserterMT(this, frame, numCPU).run(first, last, pHint);
+        InserterMT(*this, frame, numCPU).run(first, last, pHint);
     } else {
         insertRangeSequential(first, last, pHint);
     }
@@ -163,28 +163,28 @@ void Dt2::insertRange(VertexVault::EntryIterator first, VertexVault::EntryIterat
 
 /// Up to the wanted number of fresh triangles side by side, at least one, for one of several threads. Their
 /// contents are undefined until they are used or released.
-int Dt2::createTriangles(int wanted, Triangle2*& pFirst) {
+int Mesh2::createTriangles(int wanted, Triangle2*& pFirst) {
     const std::lock_guard<std::mutex> lock(mtxFreshTriangles);
     return trianglePool.allocateBlock(wanted, pFirst);
 }
 
-void Dt2::releaseTriangles(Triangle2* pFirst, int count) {
+void Mesh2::releaseTriangles(Triangle2* pFirst, int count) {
     for (int i = 0; i < count; ++i) {
         recycleTriangle(pFirst + i);
     }
 }
 
-void Dt2::insertRangeSequential(VertexVault::EntryIterator first, VertexVault::EntryIterator last,
-                                Triangle2* pHint) {
+void Mesh2::insertRangeSequential(VertexVault::EntryIterator first, VertexVault::EntryIterator last,
+                                  Triangle2* pHint) {
     insertBisecting(
         0, static_cast<std::size_t>(last - first), pHint, [&](std::size_t i) { return first[i].pVtx; },
         [&](Point2* pVtx, Triangle2* pStart) { return insertVertex(pVtx, pStart); });
 }
 
-double Dt2::measureTriangulationTime(const std::vector<Point2>& v) const {
+double Mesh2::measureTriangulationTime(const std::vector<Point2>& v) const {
     // Not with timer(), whose names are shared by all triangulations and all threads.
     const auto start = std::chrono::steady_clock::now();
-    Dt2 temporary(3);
+    Mesh2 temporary(3);
     temporary.setNumCPU(numCPU);
     temporary.insertVector(v);
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -195,7 +195,7 @@ double Dt2::measureTriangulationTime(const std::vector<Point2>& v) const {
 /// Surrounds the box with four far corners, so that no thread ever meets the hull. False, and nothing done,
 /// where no box fits around the points (without extent in x or y, or next to nothing, or beyond the range of
 /// doubles): they are inserted as with one thread.
-bool Dt2::createFakeBox() {
+bool Mesh2::createFakeBox() {
     Bbox2 frame = bbox; // a copy stays wired to quorTest: the filter has to cover the corners
     frame.enlargeRanges(frameFactor);
     // A box some few units in the last place wide is not enlarged at all.
@@ -222,8 +222,9 @@ bool Dt2::createFakeBox() {
     return true;
 }
 
-void Dt2::removeFakeBox() {
-    KELM_CHECK(vertexVault.vFakeBoxHandles.size()==4);
+void Mesh2::removeFakeBox() {
+    if (!vertexVault.hasFakeCorners())
+        checkFailed("vertexVault.vFakeBoxHandles.size()==4", __FILE__, __LINE__);
     for (std::size_t i = 0; i < 4; ++i) {
         remove(vertexVault.getFakeCorner(i), false);
     }

@@ -1,7 +1,9 @@
-// A triangulation in a file: its vertices and the constraint segments that are alive, and nothing else.
-// Triangles are made anew by reading. Files of points or segments alone are dataFiles.cpp.
-#include "Dt2.h"
+// Saving and loading of triangulations.
+// Triangles are made anew by reading; the records are those of binaryFile.h.
 
+#include "triangulationFile.h"
+
+#include "ConstraintMgr.h"
 #include "binaryFile.h"
 #include "measures.h"
 #include "messages.h"
@@ -18,11 +20,11 @@ constexpr std::int32_t typeTriangulation = 301;
 
 } // namespace
 
-bool Dt2::save(const char* filename) const {
+bool saveTriangulation(ConstraintMgr& constraintMgr, const char* filename) {
     std::vector<Point2*> vVertices;
-    getVertexPointers(vVertices);
+    constraintMgr.getMesh().getVertexPointers(vVertices);
     std::vector<ConstraintSegment2*> vSegments;
-    getAliveConstraintSegments(vSegments);
+    constraintMgr.getAliveSegments(vSegments);
 
     FileWriter writer(filename, std::ios::binary);
     writer.writeInt32(typeTriangulation);
@@ -37,8 +39,9 @@ bool Dt2::save(const char* filename) const {
     return writer.close();
 }
 
-bool Dt2::load(const char* filename) {
-    if (isBroken("Dt2::load()")) return false;
+bool loadTriangulation(ConstraintMgr& constraintMgr, const char* filename) {
+    Mesh2& mesh = constraintMgr.getMesh();
+    if (mesh.isBroken("Dt2::load()")) return false;
     BinaryReader reader;
     std::int32_t type;
     if (!reader.open(filename, type)) return false;
@@ -62,8 +65,9 @@ bool Dt2::load(const char* filename) {
         printError("Dt2::load()", "a coordinate is not finite, nothing is loaded");
         return false;
     }
-    insertVector(vPoints);
-    return vSegments.empty() || createConstraint(vSegments, CIS_CONSTRAINED_DELAUNAY, false) != nullptr;
+    mesh.insertVector(vPoints);
+    return vSegments.empty() ||
+           constraintMgr.createUserConstraint(vSegments, CIS_CONSTRAINED_DELAUNAY, false) != nullptr;
 }
 
 } // namespace QUOR_KELM25D

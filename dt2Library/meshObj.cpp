@@ -1,8 +1,9 @@
 // The mesh as a Wavefront OBJ file.
 // Reading and writing of plain points is in dataFiles.cpp.
 
-#include "Dt2.h"
+#include "meshOutput.h"
 
+#include "Mesh2.h"
 #include "messages.h"
 
 #include <kelm25d/Zone2.h>
@@ -27,20 +28,19 @@ void append(std::string& text, Number number) {
 
 } // namespace
 
-/// Whether there are triangles to write; an error line if not.
-bool Dt2::canBeShown() const {
-    if (is2D()) return true;
+bool canBeShown(const Mesh2& mesh) {
+    if (mesh.is2D()) return true;
     printError("Dt2::show()", "The triangulation is not full dimensional yet, no visualization");
     return false;
 }
 
-void Dt2::writeObj(const std::string& filename, const Zone2* pZone) const {
-    if (!canBeShown()) return;
+void writeObj(const Mesh2& mesh, const std::string& filename, const Zone2* pZone) {
+    if (!canBeShown(mesh)) return;
     std::vector<Triangle2*> vTriangles;
     if (pZone != nullptr) {
         pZone->getTriangles(vTriangles);
     } else {
-        getTrianglePointers(vTriangles);
+        mesh.getTrianglePointers(vTriangles);
     }
     std::ofstream file(filename);
     std::string text;
@@ -54,7 +54,7 @@ void Dt2::writeObj(const std::string& filename, const Zone2* pZone) const {
     mNumber.reserve(vTriangles.size() / 2 + 2); // as many as there are vertices in most meshes
     std::size_t numNotFinite = 0;
     for (const Triangle2* pT : vTriangles) {
-        for (const Point2* pCorner : pT->aCorner) {
+        for (const Point2* pCorner : pT->getCorners()) {
             if (!mNumber.emplace(pCorner, mNumber.size() + 1).second) continue;
             text += 'v';
             const bool bFinite = std::isfinite(pCorner->z()); // x and y always are
@@ -69,7 +69,7 @@ void Dt2::writeObj(const std::string& filename, const Zone2* pZone) const {
     }
     for (const Triangle2* pT : vTriangles) {
         text += 'f';
-        for (const Point2* pCorner : pT->aCorner) {
+        for (const Point2* pCorner : pT->getCorners()) {
             text += ' ';
             append(text, mNumber[pCorner]);
         }

@@ -1,28 +1,21 @@
-// The check of the whole mesh, and the statistics of its angles.
-// It reports what it finds and never throws for it; the drawings that go with a report are PostScript files.
+// What is checked of a mesh, one property after the other.
+// The exact arithmetic behind it is QuorTest's.
 
-#include "Dt2.h"
+#include "validity.h"
 
+#include "ConstraintMgr.h"
 #include "Histogram.h"
+#include "cornerIndex.h"
+#include "meshOutput.h"
 #include "messages.h"
 
 #include <kelm25d/Circle2.h>
 #include <kelm25d/Visualizer2.h>
 
-#include <atomic>
 #include <cmath>
-#include <iomanip>
 #include <iostream>
-#include <sstream>
 
 namespace QUOR_KELM25D {
-
-std::string nextDebugPrefix() {
-    static std::atomic<int> counter{0};
-    std::ostringstream prefix;
-    prefix << std::setw(5) << ++counter << '_';
-    return prefix.str();
-}
 
 namespace {
 
@@ -34,8 +27,8 @@ const char* neighbourFault(const Triangle2* pT, int i) {
     for (int j = 0; j < 3; ++j) {
         if (pN->getOppositeTriangle(j) != pT) continue;
         bSlot = true;
-        if (pN->getCorner(incIndexBy1(j)) == pT->getCorner(incIndexBy2(i)) &&
-            pN->getCorner(incIndexBy2(j)) == pT->getCorner(incIndexBy1(i))) {
+        if (pN->getCorner(next(j)) == pT->getCorner(prev(i)) &&
+            pN->getCorner(prev(j)) == pT->getCorner(next(i))) {
             return nullptr;
         }
     }
@@ -78,21 +71,21 @@ void drawFailures(const std::vector<std::pair<const Triangle2*, const Point2*>>&
     visualizer.writeFile();
 }
 
-} // namespace
-
 /// Whether all alive constraint segments are edges of the mesh.
-bool Dt2::checkConstraints(const std::string& msg) const {
+bool checkConstraints(ConstraintMgr& constraintMgr, const std::string& msg) {
+    const Mesh2& mesh = constraintMgr.getMesh();
     std::vector<ConstraintSegment2*> vAlive, vMissing;
     constraintMgr.getAliveSegments(vAlive);
     for (ConstraintSegment2* pCSeg : vAlive) {
-        if (findEdge(pCSeg->getSrc(), pCSeg->getTrg()).getTriangle() == nullptr) vMissing.push_back(pCSeg);
+        if (Mesh2::findEdge(pCSeg->getSrc(), pCSeg->getTrg()).getTriangle() == nullptr)
+            vMissing.push_back(pCSeg);
     }
     if (vMissing.empty()) return true;
     std::cout << "\n* ConstraintSegments (alive): " << vAlive.size()
               << ", contained: " << vAlive.size() - vMissing.size() << ", missing: " << vMissing.size()
               << std::endl;
     Visualizer2 visualizer(nextDebugPrefix() + "checkValidityFail_" + msg + ".ps");
-    show(&visualizer, true);
+    showMesh(mesh, &visualizer, true);
     visualizer.addObject(vMissing, Color(CBLUE, 0.5F, false));
     visualizer.writeFile();
     for (const ConstraintSegment2* pCSeg : vMissing) {
@@ -101,16 +94,19 @@ bool Dt2::checkConstraints(const std::string& msg) const {
     return false;
 }
 
-bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) {
+} // namespace
+
+bool checkValidity(ConstraintMgr& constraintMgr, bool bCheckEmptyCircleProperty, const std::string& msg) {
+    Mesh2& mesh = constraintMgr.getMesh();
     printInfo("Kelm_2D::CheckValidity(" + msg + ")", "has been started");
-    if (!is2D()) {
+    if (!mesh.is2D()) {
         printWarning("checkValidity(" + msg + ")",
                      "not fulldimensional yet (empty or all points collinear), Returning true");
         return true;
     }
-    if (!checkConstraints(msg)) return false;
+    if (!checkConstraints(constraintMgr, msg)) return false;
     std::vector<Triangle2*> vTriangles;
-    getTrianglePointers(vTriangles);
+    mesh.getTrianglePointers(vTriangles);
     const std::string where = "Kelm_2D::CheckValidity(" + msg + ")";
     bool bOK = checkTopology(vTriangles, where);
     if (!bCheckEmptyCircleProperty) return bOK;
@@ -122,7 +118,9 @@ bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) 
             if (pN == nullptr) continue;
             const Point2* d = pN->getCorner(pN->getIntraTriangleIndex(pT));
             if (d == nullptr) continue; // out of use, and reported above
-            if (quorTest.circleIncFiltered(pT, d) != 1 || segmentTable.isConstraintEdge(pT, i)) continue;
+            if (mesh.getQuorTest().circleIncFiltered(pT, d) != InCircle::INSIDE ||
+                mesh.getSegmentTable().isConstraintEdge(pT, i))
+                continue;
             printError(where, "Sphere inclusion test failed ");
             std::cout << *pT << std::endl << *d << std::endl;
             vFailures.emplace_back(pT, d);
@@ -131,7 +129,7 @@ bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) 
     if (!vFailures.empty()) {
         std::cout << "\ncheckValidity, bug, name=" << msg << std::endl;
         Visualizer2 visualizer(nextDebugPrefix() + "currentState.ps");
-        show(&visualizer, true);
+        showMesh(mesh, &visualizer, true);
         visualizer.writeFile();
         drawFailures(vFailures);
         bOK = false;
@@ -139,10 +137,10 @@ bool Dt2::checkValidity(bool bCheckEmptyCircleProperty, const std::string& msg) 
     return bOK;
 }
 
-void Dt2::statistics(const std::string& s) const {
-    std::cout << "\n\n\n********* MESH STATISTICS (" << s << ") **********\n\n";
+void printStatistics(const Mesh2& mesh, const std::string& title) {
+    std::cout << "\n\n\n********* MESH STATISTICS (" << title << ") **********\n\n";
     std::vector<Triangle2*> vTriangles;
-    getTrianglePointers(vTriangles);
+    mesh.getTrianglePointers(vTriangles);
     printAngles(vTriangles);
 }
 

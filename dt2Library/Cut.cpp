@@ -1,5 +1,5 @@
-// Cutting of triangles along segments, the knives.
-// How the pieces of a knife enter the mesh as constraints is in Dt2_constraints.cpp.
+// The stages of a cut.
+// How the pieces of a knife enter the mesh as constraints is in SegmentInserter.cpp.
 //
 // First every knife is traced through the triangles that it touches, all in the mesh as it is: that gives the
 // points at which edges are to be divided. Then the vertices are inserted, and last the knives, each as a
@@ -10,23 +10,20 @@
 // may lie beside its edge, in a triangle as thin as the rounding: the edge's constraint is then divided at
 // the vertex by order, and the edge itself is turned at the end.
 
-#include "Dt2.h"
+#include "Cut.h"
 
-#include "AddressSet.h"
+#include "ConstraintMgr.h"
 #include "Fan.h"
-#include "VertexPairHash.h"
+#include "Flood.h"
 #include "footPoint.h"
 #include "measures.h"
 #include "messages.h"
-
-#include <kelm25d/VertexPair2.h>
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <iostream>
 #include <limits>
-#include <unordered_map>
 #include <unordered_set>
 
 namespace QUOR_KELM25D {
@@ -79,135 +76,67 @@ void appendPieces(ConstraintSegment2* pCSeg, const Point2* pFrom, std::vector<Co
 
 } // namespace
 
-/// While it lives vertices enter without flips, if so wanted.
-class Dt2::ImportMode {
-public:
-    ImportMode(Dt2& dt_, bool bImport) : dt(dt_), bBefore(dt.bImportMode) { dt.bImportMode = bImport; }
-    ~ImportMode() { dt.bImportMode = bBefore; }
-    ImportMode(const ImportMode&) = delete;
-    ImportMode& operator=(const ImportMode&) = delete;
-
-private:
-    Dt2& dt;
-    bool bBefore;
-};
-
-/// One cut: the knives, the edges that they meet, and the vertices at the crossings.
-class Dt2::Cut {
-public:
-    Cut(Dt2& dt_, const std::vector<Segment2>& vSegments);
-
-    bool isEmpty() const noexcept { return vKnives.empty(); }
-    /// Finds all crossings. The mesh must not change until the vertices are inserted.
-    void trace();
-    /// Makes the edges constraints that are to stay.
-    void protect();
-    void insertVertices();
-    /// Divides the constraints that the edges are at the vertices on them.
-    void divideEdges();
-    /// Makes the knives chains of constraints.
-    void insertKnives();
-    /// Appends the pieces of the knives as they are now.
-    void getPieces(std::vector<ConstraintSegment2*>& vCSegsOut) const;
-
-private:
-    struct Knife {
-        Point2 src, trg;
-        std::vector<Point2> vCutPoints;  // crossings with edges
-        std::vector<Point2*> vOnSegment; // vertices strictly inside
-    };
-    struct CutEdge {
-        Point2 *p, *q;               // p has the lower address
-        std::vector<Point2> vPoints; // where it is to be divided; it may be merely touched
-    };
-    struct Piece {
-        ConstraintSegment2* pCSeg; // dead if another knife has divided it
-        const Point2* pFrom;
-    };
-
-    void traceKnife(Knife& knife);
-    bool treatEdge(Knife& knife, const Point2& a, const Point2& b, Triangle2* pT, int i);
-    void treatCollinear(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge);
-    bool treatCrossing(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge);
-    CutEdge& getCutEdge(Point2* p, Point2* q);
-    void constrainEdges(const TriangleSet& sTriangles, bool bWithHull);
-    bool addConflictTriangles(const Point2& point, TriangleSet& sTriangles);
-    Point2* makeVertex(const Point2& point);
-    Point2* vertexAt(const Point2& point) const;
-
-    Dt2& dt;
-    std::vector<Knife> vKnives;
-    std::vector<Edge2> vHull; // before anything is inserted, if a knife begins outside
-    std::vector<CutEdge> vCutEdges;
-    std::unordered_map<VertexPair2, std::size_t, VertexPairHash> mCutEdge; // positions in vCutEdges
-    std::vector<std::pair<Point2, Point2*>> vVertices; // the vertex for each crossing, by place
-    std::vector<Piece> vPieces;
-};
-
-Dt2::Cut::Cut(Dt2& dt_, const std::vector<Segment2>& vSegments) : dt(dt_) {
-    for (const Segment2& segment : vSegments) {
-        if (segment.getSrc() == segment.getTrg()) continue;
-        vKnives.push_back({segment.getSrc(), segment.getTrg(), {}, {}});
-    }
+Cut::Cut(ConstraintMgr& constraintMgr_, const std::vector<Segment2>& vSegments_)
+    : mesh(constraintMgr_.getMesh()), constraintMgr(constraintMgr_), vSegments(vSegments_) {
 }
 
 // --- tracing ----------------------------------------------------------------------------------------------
 
-void Dt2::Cut::trace() {
+void Cut::trace() {
     for (Knife& knife : vKnives) {
         traceKnife(knife);
     }
 }
 
 /// Goes through all triangles that a knife touches.
-void Dt2::Cut::traceKnife(Knife& knife) {
+void Cut::traceKnife(Knife& knife) {
     const bool bForward = knife.src < knife.trg;
     const Point2 a = bForward ? knife.src : knife.trg, b = bForward ? knife.trg : knife.src;
-    std::vector<Triangle2*> vStack;
-    if (Triangle2* pT = dt.locate(a)) {
-        vStack.push_back(pT);
+    std::vector<Triangle2*> vStart;
+    if (Triangle2* pT = mesh.locate(a)) {
+        vStart.push_back(pT);
     } else {
-        if (vHull.empty()) dt.getHullEdges(vHull);
+        if (vHull.empty()) mesh.getHullEdges(vHull);
         for (const Edge2& edge : vHull) {
             if (!areBoxesApart(*edge.getSrc(), *edge.getTrg(), a, b) &&
-                dt.quorTest.segmentsIntersect(edge.getSrc(), edge.getTrg(), &a, &b) != 0) {
-                vStack.push_back(edge.getTriangle());
+                mesh.getQuorTest().segmentsIntersect(edge.getSrc(), edge.getTrg(), &a, &b) !=
+                    Meeting::DISJOINT) {
+                vStart.push_back(edge.getTriangle());
             }
         }
     }
-    TriangleSet sVisited(vStack), sDone;
-    while (!vStack.empty()) {
-        Triangle2* pT = vStack.back();
-        vStack.pop_back();
-        if (!sDone.insert(pT)) continue;
+    Flood flood(vStart);
+    TriangleSet sDone;
+    while (Triangle2* pT = flood.next()) {
+        sDone.insert(pT);
         for (int i = 0; i < 3; ++i) {
-            Triangle2* pN = pT->aOppTriangle[i];
+            Triangle2* pN = pT->getOppositeTriangle(i);
             if (pN != nullptr && sDone.contains(pN)) continue; // treated from there
-            if (treatEdge(knife, a, b, pT, i) && pN != nullptr && sVisited.insert(pN)) vStack.push_back(pN);
+            if (treatEdge(knife, a, b, pT, i) && pN != nullptr) flood.reach(pN);
         }
     }
 }
 
 /// Notes what the knife does to an edge. True if the triangle behind may be touched, too.
-bool Dt2::Cut::treatEdge(Knife& knife, const Point2& a, const Point2& b, Triangle2* pT, int i) {
-    Point2 *p = pT->aCorner[incIndexBy1(i)], *q = pT->aCorner[incIndexBy2(i)];
+bool Cut::treatEdge(Knife& knife, const Point2& a, const Point2& b, Triangle2* pT, int i) {
+    Point2 *p = pT->getCorner(next(i)), *q = pT->getCorner(prev(i));
     if (std::less<Point2*>()(q, p)) std::swap(p, q);
-    const int relation = dt.quorTest.segmentsIntersect(p, q, &a, &b);
-    if (relation == 0) return false;
+    const Meeting meeting = mesh.getQuorTest().segmentsIntersect(p, q, &a, &b);
+    if (meeting == Meeting::DISJOINT) return false;
     CutEdge& edge = getCutEdge(p, q);
-    if (relation == 2) return treatCrossing(knife, a, b, edge);
+    if (meeting == Meeting::CROSSING) return treatCrossing(knife, a, b, edge);
     treatCollinear(knife, a, b, edge);
     return true;
 }
 
-Dt2::Cut::CutEdge& Dt2::Cut::getCutEdge(Point2* p, Point2* q) {
+Cut::CutEdge& Cut::getCutEdge(Point2* p, Point2* q) {
     const auto found = mCutEdge.emplace(VertexPair2(p, q), vCutEdges.size());
     if (found.second) vCutEdges.push_back({p, q, {}});
     return vCutEdges[found.first->second];
 }
 
 /// Ends of the knife within the edge divide the edge, ends of the edge within the knife the knife.
-void Dt2::Cut::treatCollinear(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge) {
+void Cut::treatCollinear(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge) {
     const auto isBetween = [](const Point2& c, const Point2& end0, const Point2& end1) {
         const double length = distance2D(end0, end1);
         return distance2D(c, end0) < length && distance2D(c, end1) < length;
@@ -220,7 +149,7 @@ void Dt2::Cut::treatCollinear(Knife& knife, const Point2& a, const Point2& b, Cu
     }
 }
 
-bool Dt2::Cut::treatCrossing(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge) {
+bool Cut::treatCrossing(Knife& knife, const Point2& a, const Point2& b, CutEdge& edge) {
     const Point2 &p = *edge.p, &q = *edge.q;
     Point2 crossing = getIntersection25D(p, q, a, b);
     if (!isFinite(crossing)) {
@@ -237,7 +166,7 @@ bool Dt2::Cut::treatCrossing(Knife& knife, const Point2& a, const Point2& b, Cut
 
 // --- protection -------------------------------------------------------------------------------------------
 
-void Dt2::Cut::protect() {
+void Cut::protect() {
     TriangleSet sTriangles;
     bool bInside = true; // all ends lie within the hull
     for (const Knife& knife : vKnives) {
@@ -261,14 +190,14 @@ void Dt2::Cut::protect() {
 
 /// Makes the edges of triangles constraints, with bWithHull also those of the hull: what is joined to an end
 /// outside must not be repaired across the hull as it is.
-void Dt2::Cut::constrainEdges(const TriangleSet& sTriangles, bool bWithHull) {
+void Cut::constrainEdges(const TriangleSet& sTriangles, bool bWithHull) {
     ConstraintMgr::Pairs vPairs;
     const auto addEdge = [&](const Edge2& edge) {
-        if (dt.segmentTable.isConstraintEdge(edge.getTriangle(), edge.getIndex())) return;
+        if (mesh.getSegmentTable().isConstraintEdge(edge.getTriangle(), edge.getIndex())) return;
         vPairs.emplace_back(edge.getSrc(), edge.getTrg());
     };
     std::vector<Edge2> vHullNow;
-    if (bWithHull) dt.getHullEdges(vHullNow);
+    if (bWithHull) mesh.getHullEdges(vHullNow);
     for (const Edge2& edge : vHullNow) {
         if (!sTriangles.contains(edge.getTriangle())) addEdge(edge);
     }
@@ -276,29 +205,28 @@ void Dt2::Cut::constrainEdges(const TriangleSet& sTriangles, bool bWithHull) {
     sTriangles.appendTo(vTriangles);
     for (Triangle2* pT : vTriangles) {
         for (int i = 0; i < 3; ++i) {
-            const Triangle2* pN = pT->aOppTriangle[i];
+            const Triangle2* pN = pT->getOppositeTriangle(i);
             const bool bFromThere =
                 pN != nullptr && std::less<const Triangle2*>()(pN, pT) && sTriangles.contains(pN);
             if (!bFromThere) addEdge(Edge2(pT, i));
         }
     }
     // They are edges already, so nothing has to be inserted.
-    if (!vPairs.empty()) dt.constraintMgr.createConstraint(vPairs, CIS_CONSTRAINED_DELAUNAY, false);
+    if (!vPairs.empty()) constraintMgr.createConstraint(vPairs, CIS_CONSTRAINED_DELAUNAY, false);
 }
 
 /// Adds the triangles that have the point in their circle, or on it. False if it lies outside the hull.
-bool Dt2::Cut::addConflictTriangles(const Point2& point, TriangleSet& sTriangles) {
-    Triangle2* pStart = dt.locate(point);
+bool Cut::addConflictTriangles(const Point2& point, TriangleSet& sTriangles) {
+    Triangle2* pStart = mesh.locate(point);
     if (pStart == nullptr) return false;
-    std::vector<Triangle2*> vStack = {pStart};
-    TriangleSet sTested(vStack);
-    while (!vStack.empty()) {
-        const Triangle2* pT = vStack.back();
-        vStack.pop_back();
+    Flood flood({pStart});
+    while (const Triangle2* pT = flood.next()) {
+        const bool bInConflict =
+            pT == pStart || mesh.getQuorTest().circleIncFiltered(pT, &point) != InCircle::OUTSIDE;
+        if (!bInConflict) continue;
         sTriangles.insert(pT);
-        for (Triangle2* pN : pT->aOppTriangle) {
-            if (pN == nullptr || !sTested.insert(pN)) continue;
-            if (dt.quorTest.circleIncFiltered(pN, &point) != 2) vStack.push_back(pN);
+        for (Triangle2* pN : pT->getOppositeTriangles()) {
+            if (pN != nullptr) flood.reach(pN);
         }
     }
     return true;
@@ -306,7 +234,7 @@ bool Dt2::Cut::addConflictTriangles(const Point2& point, TriangleSet& sTriangles
 
 // --- vertices ---------------------------------------------------------------------------------------------
 
-void Dt2::Cut::insertVertices() {
+void Cut::insertVertices() {
     const auto isBefore = [](const std::pair<Point2, Point2*>& a, const std::pair<Point2, Point2*>& b) {
         return a.first < b.first;
     };
@@ -327,8 +255,8 @@ void Dt2::Cut::insertVertices() {
 
 /// The vertex for a crossing: a corner of its triangle that all but coincides, else a new one. Where
 /// triangles are as thin as the rounding the corner may be one of a triangle behind.
-Point2* Dt2::Cut::makeVertex(const Point2& point) {
-    Triangle2* pLocated = dt.locate(point);
+Point2* Cut::makeVertex(const Point2& point) {
+    Triangle2* pLocated = mesh.locate(point);
     Point2* pNearest = nullptr;
     double nearest = std::numeric_limits<double>::max();
     const auto consider = [&](Point2* pCandidate) {
@@ -337,35 +265,30 @@ Point2* Dt2::Cut::makeVertex(const Point2& point) {
         nearest = distance;
         pNearest = pCandidate;
     };
-    std::vector<Triangle2*> vStack;
+    Flood flood;
     if (pLocated != nullptr) {
-        vStack.push_back(pLocated);
+        flood.reach(pLocated);
     } else {
         std::vector<Edge2> vHullNow;
-        dt.getHullEdges(vHullNow);
+        mesh.getHullEdges(vHullNow);
         for (const Edge2& edge : vHullNow) {
             consider(edge.getSrc());
         }
     }
-    TriangleSet sVisited(vStack);
-    while (!vStack.empty() && nearest > 0.0) {
-        const Triangle2* pT = vStack.back();
-        vStack.pop_back();
+    while (const Triangle2* pT = nearest > 0.0 ? flood.next() : nullptr) {
         for (int i = 0; i < 3; ++i) {
-            consider(pT->aCorner[i]);
-            Triangle2* pN = pT->aOppTriangle[i];
-            if (pN == nullptr || sVisited.contains(pN)) continue;
-            const Point2 &p = *pT->aCorner[incIndexBy1(i)], &q = *pT->aCorner[incIndexBy2(i)];
+            consider(pT->getCorner(i));
+            Triangle2* pN = pT->getOppositeTriangle(i);
+            if (pN == nullptr || flood.getReached().contains(pN)) continue;
+            const Point2 &p = *pT->getCorner(next(i)), &q = *pT->getCorner(prev(i));
             const Point2 foot = getFootPoint(p, q, point);
-            if (distance2D(foot, point) >= snapDistance || !isOnSegment(p, q, foot)) continue;
-            sVisited.insert(pN);
-            vStack.push_back(pN);
+            if (distance2D(foot, point) < snapDistance && isOnSegment(p, q, foot)) flood.reach(pN);
         }
     }
-    return nearest < snapDistance ? pNearest : dt.insertPoint(point, pLocated);
+    return nearest < snapDistance ? pNearest : mesh.insertPoint(point, pLocated);
 }
 
-Point2* Dt2::Cut::vertexAt(const Point2& point) const {
+Point2* Cut::vertexAt(const Point2& point) const {
     const auto it = std::lower_bound(
         vVertices.begin(), vVertices.end(), point,
         [](const std::pair<Point2, Point2*>& entry, const Point2& p) { return entry.first < p; });
@@ -374,42 +297,42 @@ Point2* Dt2::Cut::vertexAt(const Point2& point) const {
 
 // --- constraints ------------------------------------------------------------------------------------------
 
-void Dt2::Cut::divideEdges() {
+void Cut::divideEdges() {
     for (const CutEdge& edge : vCutEdges) {
         if (edge.vPoints.empty()) continue;
         std::vector<Point2*> vSplitPoints, vSortedPoints;
         for (const Point2& point : edge.vPoints) {
             vSplitPoints.push_back(vertexAt(point));
         }
-        dt.CUTT_insertConstraintSegments(edge.p, edge.q, vSplitPoints, vSortedPoints);
+        insertChain(constraintMgr, edge.p, edge.q, vSplitPoints, vSortedPoints);
     }
 }
 
-void Dt2::Cut::insertKnives() {
+void Cut::insertKnives() {
     for (Knife& knife : vKnives) {
         for (Point2* pEnd : {&knife.src, &knife.trg}) {
             double height = 0.0;
             // An end that is outside by rounding alone is meant to be on the hull.
             const double rounding = 0x1p-48 * pEnd->getMaxAbs();
-            if (dt.getHeight(pEnd->x(), pEnd->y(), height, nullptr, rounding)) pEnd->setZ(height);
+            if (mesh.getHeight(pEnd->x(), pEnd->y(), height, nullptr, rounding)) pEnd->setZ(height);
         }
-        Point2* pSrc = dt.insertPoint(knife.src);
-        Point2* pTrg = dt.insertPoint(knife.trg);
+        Point2* pSrc = mesh.insertPoint(knife.src);
+        Point2* pTrg = mesh.insertPoint(knife.trg);
         std::vector<Point2*> vSplitPoints(knife.vOnSegment), vSortedPoints;
         for (const Point2& point : knife.vCutPoints) {
             vSplitPoints.push_back(vertexAt(point));
         }
-        dt.CUTT_insertConstraintSegments(pSrc, pTrg, vSplitPoints, vSortedPoints);
+        insertChain(constraintMgr, pSrc, pTrg, vSplitPoints, vSortedPoints);
         KELM_CHECK(vSortedPoints.size()>1);
         for (std::size_t i = 1; i < vSortedPoints.size(); ++i) {
-            ConstraintSegment2* pCSeg = dt.constraintMgr.findSegment(vSortedPoints[i - 1], vSortedPoints[i]);
+            ConstraintSegment2* pCSeg = constraintMgr.findSegment(vSortedPoints[i - 1], vSortedPoints[i]);
             KELM_CHECK(pCSeg!=0);
             vPieces.push_back({pCSeg, vSortedPoints[i - 1]});
         }
     }
 }
 
-void Dt2::Cut::getPieces(std::vector<ConstraintSegment2*>& vCSegsOut) const {
+void Cut::getPieces(std::vector<ConstraintSegment2*>& vCSegsOut) const {
     for (const Piece& piece : vPieces) {
         appendPieces(piece.pCSeg, piece.pFrom, vCSegsOut);
     }
@@ -417,11 +340,10 @@ void Dt2::Cut::getPieces(std::vector<ConstraintSegment2*>& vCSegsOut) const {
 
 // --- the whole --------------------------------------------------------------------------------------------
 
-void Dt2::CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithConstraints,
-                            std::vector<ConstraintSegment2*>& vCSegsOut) {
+void Cut::run(bool bWithConstraints, std::vector<ConstraintSegment2*>& vCSegsOut) {
     const char* const where = "Dt2::CUTT_cutTriangles(..)";
     if (vSegments.empty()) return;
-    if (!is2D()) {
+    if (!mesh.is2D()) {
         printWarning(where, "The triangulation is not 2D yet, nothing to do");
         return;
     }
@@ -432,29 +354,32 @@ void Dt2::CUTT_cutTriangles(const std::vector<Segment2>& vSegments, bool bWithCo
         printError(where, "a coordinate is not finite, nothing is cut");
         return;
     }
-    if (isBroken(where)) return;
-    const MuteProgress mute(progress);
-    applyConstraintsAndZones();
-    Cut cut(*this, vSegments);
-    if (cut.isEmpty()) {
+    if (mesh.isBroken(where)) return;
+    const MuteProgress mute(mesh.getProgress());
+    constraintMgr.applyConstraintsAndZones();
+    for (const Segment2& segment : vSegments) {
+        if (segment.getSrc() == segment.getTrg()) continue;
+        vKnives.push_back({segment.getSrc(), segment.getTrg(), {}, {}});
+    }
+    if (vKnives.empty()) {
         printWarning(where, "No or only degenerate segments, nothing to do");
         return;
     }
-    cut.trace();
+    trace();
     {
-        const ImportMode importMode(*this, bWithConstraints);
-        if (bWithConstraints) cut.protect();
-        cut.insertVertices();
-        if (bWithConstraints) cut.divideEdges();
-        cut.insertKnives();
+        const ImportMode importMode(mesh, bWithConstraints);
+        if (bWithConstraints) protect();
+        insertVertices();
+        if (bWithConstraints) divideEdges();
+        insertKnives();
     }
     // What is to stay is constrained by now. Conforming segments need flips.
-    applyConstraintsAndZones();
-    cut.getPieces(vCSegsOut);
+    constraintMgr.applyConstraintsAndZones();
+    getPieces(vCSegsOut);
 }
 
-void Dt2::CUTT_insertConstraintSegments(Point2* pA, Point2* pB, const std::vector<Point2*>& vSplitPoints,
-                                        std::vector<Point2*>& vSortedPoints) {
+void insertChain(ConstraintMgr& constraintMgr, Point2* pA, Point2* pB,
+                 const std::vector<Point2*>& vSplitPoints, std::vector<Point2*>& vSortedPoints) {
     const bool bForward = std::less<Point2*>()(pA, pB);
     Point2 *pStart = bForward ? pA : pB, *pEnd = bForward ? pB : pA;
     std::vector<std::pair<double, Point2*>> vOrder;
@@ -470,11 +395,11 @@ void Dt2::CUTT_insertConstraintSegments(Point2* pA, Point2* pB, const std::vecto
     vSortedPoints.push_back(pEnd);
 
     // An edge that is a constraint is divided without geometry, so that it gets exactly these vertices.
-    ConstraintSegment2* pCSeg = getConstraintSegment(pStart, pEnd);
+    ConstraintSegment2* pCSeg = constraintMgr.getAliveSegment(pStart, pEnd);
     for (std::size_t i = 1; i + 1 < vSortedPoints.size() && pCSeg != nullptr; ++i) {
         Point2* pSplit = vSortedPoints[i];
         if (!pCSeg->split_combinatorialOnly(pSplit)) break;
-        pCSeg = getConstraintSegment(pSplit, pEnd);
+        pCSeg = constraintMgr.getAliveSegment(pSplit, pEnd);
     }
     // Otherwise, and where that could not be, the pieces are inserted.
     ConstraintMgr::Pairs vPairs;

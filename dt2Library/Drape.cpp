@@ -1,15 +1,17 @@
-// Segments laid over the surface: clipped to the hull, cut at every edge they cross, thinned by height.
-// Heights at single places are in Dt2_queries.cpp.
+// The way of a segment over the surface, and the thinning of what comes out.
+// Heights at single places are in Mesh2_queries.cpp.
 //
 // The trace follows the line from s to t exactly: which edge it leaves a triangle by, and whether it runs
 // through a vertex, is decided with the given ends, never with computed points. A computed crossing is only
 // output. So a trace cannot get lost, whatever the rounding of the crossings. The thinning is that of Douglas
 // and Peucker (1973), with distances measured in height alone.
 
-#include "Dt2.h"
+#include "Drape.h"
 
+#include "Mesh2.h"
+#include "cornerIndex.h"
 #include "footPoint.h"
-#include "messages.h"
+#include "measures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -55,20 +57,18 @@ void appendThinned(const std::vector<Point2>& vLine, double zTolerance, std::vec
     }
 }
 
-} // namespace
-
 /// The way of one segment through the mesh.
-class Dt2::Trace {
+class Trace {
 public:
-    Trace(Dt2& dt_, const Point2& s_, const Point2& t_, std::vector<Point2>& vPoints_)
-        : dt(dt_), s(s_), t(t_), bAlongX(std::fabs(t_.x() - s_.x()) >= std::fabs(t_.y() - s_.y())),
+    Trace(Mesh2& mesh_, const Point2& s_, const Point2& t_, std::vector<Point2>& vPoints_)
+        : mesh(mesh_), s(s_), t(t_), bAlongX(std::fabs(t_.x() - s_.x()) >= std::fabs(t_.y() - s_.y())),
           vPoints(vPoints_) {}
 
     /// Collects the points of the part over the hull, at least one if there is such a part. True if that is
     /// the whole segment.
     bool run() {
         bool bFromHull = false;
-        if (Triangle2* pT = dt.locate(s)) {
+        if (Triangle2* pT = mesh.locate(s)) {
             startInside(pT);
         } else if (startOutside()) {
             bFromHull = true;
@@ -88,8 +88,10 @@ public:
 private:
     enum State { AT_VERTEX, IN_TRIANGLE, DONE, LEFT_HULL };
 
-    Orientation2 sideOf(const Point2* p) { return dt.quorTest.getOrientation2Filtered(&s, &t, p); }
-    Orientation2 targetSide(const Triangle2* pT, int i) { return dt.quorTest.getEdgeOrientation(pT, i, &t); }
+    Orientation2 sideOf(const Point2* p) { return mesh.getQuorTest().getOrientation2Filtered(&s, &t, p); }
+    Orientation2 targetSide(const Triangle2* pT, int i) {
+        return mesh.getQuorTest().getEdgeOrientation(pT, i, &t);
+    }
 
     /// Whether the way leads from p to q and not back, as far as doubles can tell.
     bool isOnward(const Point2& p, const Point2& q) const noexcept {
@@ -115,14 +117,14 @@ private:
 
     /// Ends at the target, which lies in pT.
     void finishIn(const Triangle2* pT) {
-        addExact(Point2(t.x(), t.y(), dt.heightInTriangle(*pT, t.x(), t.y())));
+        addExact(Point2(t.x(), t.y(), mesh.heightInTriangle(*pT, t.x(), t.y())));
         state = DONE;
     }
 
     /// Crosses edge i of pT between its ends.
     void cross(const Triangle2* pT, int i) {
         // A source on this very edge is the crossing, and is there already.
-        if (dt.quorTest.getEdgeOrientation(pT, i, &s) != ORIENTATION2_COLLINEAR) addCrossing(pT, i);
+        if (mesh.getQuorTest().getEdgeOrientation(pT, i, &s) != ORIENTATION2_COLLINEAR) addCrossing(pT, i);
         pTriangle = pT->getOppositeTriangle(i);
         if (pTriangle == nullptr) {
             state = LEFT_HULL;
@@ -133,7 +135,7 @@ private:
     }
 
     void addCrossing(const Triangle2* pT, int i) {
-        const Point2 *a = pT->getCorner(incIndexBy1(i)), *b = pT->getCorner(incIndexBy2(i));
+        const Point2 *a = pT->getCorner(next(i)), *b = pT->getCorner(prev(i));
         double x = 0.0, y = 0.0;
         getIntersection2D(&s, &t, a, b, x, y);
         if (!vPoints.empty() && !isOnward(vPoints.back(), Point2(x, y, 0.0))) return; // rounding led back
@@ -147,11 +149,11 @@ private:
                 return;
             }
         }
-        addExact(Point2(s.x(), s.y(), dt.heightInTriangle(*pT, s.x(), s.y())));
+        addExact(Point2(s.x(), s.y(), mesh.heightInTriangle(*pT, s.x(), s.y())));
         for (int i = 0; i < 3; ++i) {
             if (targetSide(pT, i) != ORIENTATION2_CW) continue;
             // The target is beyond edge i; the segment leaves here if it passes between the ends.
-            Point2 *a = pT->getCorner(incIndexBy1(i)), *b = pT->getCorner(incIndexBy2(i));
+            Point2 *a = pT->getCorner(next(i)), *b = pT->getCorner(prev(i));
             const Orientation2 sideA = sideOf(a), sideB = sideOf(b);
             if (sideA == ORIENTATION2_CCW || sideB == ORIENTATION2_CW) continue;
             if (sideA == ORIENTATION2_COLLINEAR && isAhead(s, t, *a)) {
@@ -170,11 +172,8 @@ private:
 
     /// Finds the hull edge by which a segment from outside enters; false if it misses the hull.
     bool startOutside() {
-        Triangle2* pT = dt.findStart(s);
-        int edgeIdx = -1;
-        const int hullIdx = dt.locateFrom(&s, pT, edgeIdx);
-        dt.collectVisibleHull(&s, Edge2(pT, hullIdx));
-        for (const Edge2& edge : dt.vHullEdges) {
+        const Location location = mesh.locateFrom(&s, mesh.findStart(s));
+        for (const Edge2& edge : mesh.getVisibleHull(&s, Edge2(location.pT, location.idx))) {
             if (targetSide(edge.getTriangle(), edge.getIndex()) == ORIENTATION2_CW) continue;
             Point2 *a = edge.getSrc(), *b = edge.getTrg();
             const Orientation2 sideA = sideOf(a), sideB = sideOf(b);
@@ -196,10 +195,10 @@ private:
 
     void stepFromVertex() {
         std::vector<Triangle2*> vFan;
-        dt.getIncidentTriangles(pVtx, vFan);
+        mesh.getIncidentTriangles(pVtx, vFan);
         for (Triangle2* pT : vFan) {
             const int i = pT->getIntraTriangleIndex(pVtx);
-            Point2 *a = pT->getCorner(incIndexBy1(i)), *b = pT->getCorner(incIndexBy2(i));
+            Point2 *a = pT->getCorner(next(i)), *b = pT->getCorner(prev(i));
             const Orientation2 sideA = sideOf(a), sideB = sideOf(b);
             for (Point2* pAlong : {a, b}) {
                 if ((pAlong == a ? sideA : sideB) != ORIENTATION2_COLLINEAR || !isAhead(*pVtx, t, *pAlong))
@@ -225,8 +224,8 @@ private:
 
     void stepThroughTriangle() {
         const Triangle2* pT = pTriangle;
-        const int next = incIndexBy1(entryIdx), prev = incIndexBy2(entryIdx);
-        if (targetSide(pT, next) != ORIENTATION2_CW && targetSide(pT, prev) != ORIENTATION2_CW) {
+        if (targetSide(pT, next(entryIdx)) != ORIENTATION2_CW &&
+            targetSide(pT, prev(entryIdx)) != ORIENTATION2_CW) {
             finishIn(pT);
             return;
         }
@@ -237,11 +236,11 @@ private:
         } else {
             // Edge next joins corner prev, to the right of the way, to the apex; edge prev the apex to corner
             // next.
-            cross(pT, side == ORIENTATION2_CCW ? next : prev);
+            cross(pT, side == ORIENTATION2_CCW ? next(entryIdx) : prev(entryIdx));
         }
     }
 
-    Dt2& dt;
+    Mesh2& mesh;
     const Point2& s;
     const Point2& t;
     bool bAlongX; // the longer extent of the segment
@@ -253,26 +252,27 @@ private:
     int entryIdx = -1;
 };
 
-bool Dt2::drape(const std::vector<Segment2>& vIn, std::vector<Segment2>& vOut, double zTolerance) {
-    if (!is2D() || isBroken("Dt2::drape()")) return vIn.empty();
+} // namespace
+
+Drape::Drape(Mesh2& mesh_, double zTolerance_) : mesh(mesh_), zTolerance(zTolerance_) {
+}
+
+bool Drape::run(const std::vector<Segment2>& vIn, std::vector<Segment2>& vOut) {
+    if (!mesh.is2D() || mesh.isBroken("Dt2::drape()")) return vIn.empty();
+    QuorTest& quorTest = mesh.getQuorTest();
     bool bComplete = true;
     std::vector<Point2> vPoints;
     std::vector<Segment2> vPieces; // the caller may have passed one sequence for both
     for (const Segment2& segment : vIn) {
         const Point2 s = segment.getSrc(), t = segment.getTrg();
         if (s == t) continue;
-        if (!std::isfinite(s.x()) || !std::isfinite(s.y()) || !std::isfinite(t.x()) ||
-            !std::isfinite(t.y())) {
-            bComplete = false;
-            continue;
-        }
-        if (isBeside(extent, s, t)) {
+        if (!isFinite(s) || !isFinite(t) || isBeside(mesh.getExtent(), s, t)) {
             bComplete = false;
             continue;
         }
         quorTest.setRange(std::max({quorTest.getRange(), s.getMaxAbs(), t.getMaxAbs()}));
         vPoints.clear();
-        if (!Trace(*this, s, t, vPoints).run()) bComplete = false;
+        if (!Trace(mesh, s, t, vPoints).run()) bComplete = false;
         if (vPoints.size() < 2) continue;
         if (zTolerance < 0.0) {
             for (std::size_t i = 0; i + 1 < vPoints.size(); ++i) {
