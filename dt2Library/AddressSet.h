@@ -7,6 +7,8 @@
 // order is reading the bits.
 #pragma once
 
+#include "HashTable.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -59,9 +61,7 @@ public:
     /// Appends all elements in the order of their addresses.
     void appendTo(std::vector<T*>& v) const {
         std::vector<Slot> vUsed;
-        for (const Slot& slot : vSlots) {
-            if (slot.pPage != nullptr) vUsed.push_back(slot);
-        }
+        pages.forEach([&](const Slot& slot) { vUsed.push_back(slot); });
         std::sort(vUsed.begin(), vUsed.end(), [](const Slot& a, const Slot& b) { return a.key < b.key; });
         std::size_t i = v.size();
         v.resize(i + numElements);
@@ -84,7 +84,9 @@ private:
     using Page = std::array<Word, wordsPerPage>;
     struct Slot {
         std::uintptr_t key = 0; // upper part of the addresses
-        Page* pPage = nullptr;  // null: free
+        Page* pPage = nullptr;
+        bool isFree() const noexcept { return pPage == nullptr; }
+        std::uint64_t getHash() const noexcept { return hashOfNumber(key); }
     };
 
     static std::uintptr_t addressOf(const T* p) noexcept { return reinterpret_cast<std::uintptr_t>(p); }
@@ -103,38 +105,19 @@ private:
         return i;
 #endif
     }
-    std::size_t firstSlot(std::uintptr_t key) const noexcept {
-        return static_cast<std::size_t>(key * 0x9e3779b97f4a7c15ULL >> 32) & (vSlots.size() - 1);
-    }
     Word* findPage(std::uintptr_t key) const noexcept {
-        for (std::size_t i = firstSlot(key);; i = (i + 1) & (vSlots.size() - 1)) {
-            const Slot& slot = vSlots[i];
-            if (slot.pPage == nullptr) return nullptr;
-            if (slot.key == key) return slot.pPage->data();
-        }
+        const Slot& slot =
+            pages.find(hashOfNumber(key), [key](const Slot& taken) { return taken.key == key; });
+        return slot.isFree() ? nullptr : slot.pPage->data();
     }
     Word* addPage(std::uintptr_t key) {
-        if (2 * (vPages.size() + 1) > vSlots.size()) {
-            std::vector<Slot> vOld(2 * vSlots.size());
-            vOld.swap(vSlots);
-            for (const Slot& slot : vOld) {
-                if (slot.pPage != nullptr) place(slot);
-            }
-        }
         vPages.push_back(std::make_unique<Page>());
-        place({key, vPages.back().get()});
+        pages.insert({key, vPages.back().get()});
         return vPages.back()->data();
-    }
-    void place(const Slot& slot) noexcept {
-        std::size_t i = firstSlot(slot.key);
-        while (vSlots[i].pPage != nullptr) {
-            i = (i + 1) & (vSlots.size() - 1);
-        }
-        vSlots[i] = slot;
     }
 
     std::vector<std::unique_ptr<Page>> vPages;
-    std::vector<Slot> vSlots{16}; // a power of two, at most half of them taken
+    HashTable<Slot> pages; // of vPages
     std::size_t numElements = 0;
     std::uintptr_t lastKey = static_cast<std::uintptr_t>(-1); // of the page used last by insert
     Word* aLastPage = nullptr;
