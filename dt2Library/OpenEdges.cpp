@@ -1,4 +1,4 @@
-// Sorting by vertices, and the hash table of what is open.
+// Sorting by vertices, and what is done with the edges that stay open.
 // The idea of both is told in the header.
 
 #include "OpenEdges.h"
@@ -18,67 +18,26 @@ constexpr std::ptrdiff_t maxInsertionSort = 32;
 
 // --- one edge ---------------------------------------------------------------------------------------------
 
-std::size_t OpenEdges::firstSlot(std::uint32_t a, std::uint32_t b) const noexcept {
-    std::uint64_t h = std::uint64_t(std::min(a, b)) << 32 | std::max(a, b);
-    h *= 0x9e3779b97f4a7c15ULL;
-    h = (h ^ (h >> 32)) * 0xd6e8feb86659fd93ULL;
-    return static_cast<std::size_t>(h >> 32) & (vSlots.size() - 1);
-}
-
-/// The slot of the edge in either direction, or the free one where it belongs.
-std::size_t OpenEdges::findSlot(std::uint32_t a, std::uint32_t b) const noexcept {
-    for (std::size_t i = firstSlot(a, b);; i = (i + 1) & (vSlots.size() - 1)) {
-        const Edge& edge = vSlots[i];
-        if (edge.id == none || (edge.source == a && edge.target == b) ||
-            (edge.source == b && edge.target == a)) {
-            return i;
-        }
-    }
-}
-
 std::uint32_t OpenEdges::closeOrEnter(const Edge& edge) {
-    if (2 * (numOpen + 1) > vSlots.size()) grow();
-    const std::size_t i = findSlot(edge.source, edge.target);
-    const std::uint32_t found = vSlots[i].id;
-    if (found == none) {
-        vSlots[i] = edge;
-        ++numOpen;
+    open.reserve(1);
+    Edge& found = open.find(edge.getHash(), Joins{edge.source, edge.target});
+    if (found.isFree()) {
+        open.fill(found, edge);
         return none;
     }
-    if (vSlots[i].source == edge.source) {
+    if (found.source == edge.source) {
         ++numDropped;
         return none;
     }
-    erase(i);
-    return found;
-}
-
-/// Empties a slot; what stands behind it moves up, so that no search meets a gap.
-void OpenEdges::erase(std::size_t hole) noexcept {
-    const std::size_t mask = vSlots.size() - 1;
-    for (std::size_t i = (hole + 1) & mask; vSlots[i].id != none; i = (i + 1) & mask) {
-        const std::size_t first = firstSlot(vSlots[i].source, vSlots[i].target);
-        if (((i - first) & mask) < ((i - hole) & mask)) continue; // its search begins behind the hole
-        vSlots[hole] = vSlots[i];
-        hole = i;
-    }
-    vSlots[hole].id = none;
-    --numOpen;
-}
-
-void OpenEdges::grow() {
-    std::vector<Edge> vOld(2 * vSlots.size());
-    vOld.swap(vSlots);
-    for (const Edge& edge : vOld) {
-        if (edge.id != none) vSlots[findSlot(edge.source, edge.target)] = edge;
-    }
+    const std::uint32_t id = found.id;
+    open.erase(found);
+    return id;
 }
 
 std::vector<OpenEdges::Edge> OpenEdges::getEdges() const {
     std::vector<Edge> vEdges;
-    vEdges.reserve(numOpen);
-    std::copy_if(vSlots.begin(), vSlots.end(), std::back_inserter(vEdges),
-                 [](const Edge& edge) { return edge.id != none; });
+    vEdges.reserve(open.size());
+    open.forEach([&](const Edge& edge) { vEdges.push_back(edge); });
     return vEdges;
 }
 
@@ -87,7 +46,9 @@ std::vector<OpenEdges::Edge> OpenEdges::getEdges() const {
 OpenEdges::Pairs OpenEdges::closeOrEnterAll(const std::vector<std::uint32_t>& vCorners,
                                             std::size_t numVertices) {
     const std::size_t numTriangles = vCorners.size() / 3;
-    KELM_CHECK(numOpen==0 && numTriangles<=maxTriangles);
+    if (open.size() != 0 || numTriangles > maxTriangles) {
+        checkFailed("numOpen==0 && numTriangles<=maxTriangles", __FILE__, __LINE__);
+    }
     // Counting sort by the lower vertex: where its edges begin, and with each edge placed, where the next one
     // goes, in the end where those of the next vertex begin.
     std::vector<std::uint32_t> vNext(numVertices + 1, 0);

@@ -3,10 +3,13 @@
 //
 // Many triangles at once are sorted by the lower vertex of each edge: two passes over memory, where searches
 // for one edge after the other would miss the cache each time. What is open then is few, and stands in a hash
-// table with linear probing for triangles that come one by one. Both directions of an edge hash alike, so
-// that one search finds the edge that a new one closes, the one it repeats, or the place to enter it.
+// table for triangles that come one by one. Both directions of an edge hash alike, so that one search finds
+// the edge that a new one closes, the one it repeats, or the place to enter it.
 #pragma once
 
+#include "HashTable.h"
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -23,6 +26,8 @@ public:
     struct Edge {
         std::uint32_t source, target;
         std::uint32_t id = none; // of the triangle on the left, and the edge's index there; see idOf
+        bool isFree() const noexcept { return id == none; }
+        std::uint64_t getHash() const noexcept { return hashOf(source, target); }
     };
     using Pairs = std::vector<std::pair<std::uint32_t, std::uint32_t>>;
 
@@ -32,17 +37,15 @@ public:
     static std::size_t triangleOf(std::uint32_t id) noexcept { return id / 4; }
     static int indexOf(std::uint32_t id) noexcept { return static_cast<int>(id % 4); }
 
-    OpenEdges() : vSlots(initialSlots) {}
-
-    std::size_t size() const noexcept { return numOpen; }
+    std::size_t size() const noexcept { return open.size(); }
     /// How many edges were not entered, because the same one was open already.
     std::size_t getNumDropped() const noexcept { return numDropped; }
     /// All open edges, in no order that means anything.
     std::vector<Edge> getEdges() const;
     /// Whether the edge that runs the other way is open.
     bool isClosing(std::uint32_t source, std::uint32_t target) const noexcept {
-        const Edge& found = vSlots[findSlot(source, target)];
-        return found.id != none && found.source == target;
+        const Edge& found = open.find(hashOf(source, target), Joins{source, target});
+        return !found.isFree() && found.source == target;
     }
     /// Takes out the edge that runs the other way: the result is its id. If there is none the new edge is
     /// entered and the result is none; one that is open already keeps its id.
@@ -59,16 +62,20 @@ private:
         std::uint32_t idAndDirection; // twice the id, and one more if the edge begins at the lower vertex
     };
 
+    /// Asks for the edge in either direction.
+    struct Joins {
+        std::uint32_t a, b;
+        bool operator()(const Edge& edge) const noexcept {
+            return (edge.source == a && edge.target == b) || (edge.source == b && edge.target == a);
+        }
+    };
+
+    static std::uint64_t hashOf(std::uint32_t a, std::uint32_t b) noexcept {
+        return hashOfNumbers(std::min(a, b), std::max(a, b));
+    }
     void matchAt(std::uint32_t lower, Half* first, Half* last, Pairs& vClosed);
-    std::size_t firstSlot(std::uint32_t a, std::uint32_t b) const noexcept;
-    std::size_t findSlot(std::uint32_t a, std::uint32_t b) const noexcept;
-    void erase(std::size_t hole) noexcept;
-    void grow();
 
-    static constexpr std::size_t initialSlots = 256;
-
-    std::vector<Edge> vSlots; // a power of two, at most half of them taken
-    std::size_t numOpen = 0;
+    HashTable<Edge> open;
     std::size_t numDropped = 0;
 };
 
