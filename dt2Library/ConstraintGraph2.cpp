@@ -6,6 +6,7 @@
 #include <kelm25d/ConstraintGraph2.h>
 
 #include "ConstraintMgr.h"
+#include "HashTable.h"
 #include "LeafWalk.h"
 #include "footPoint.h"
 #include "measures.h"
@@ -26,45 +27,36 @@ constexpr double nearApex = 0.001;
 constexpr double nearRatio = 0.01;
 constexpr double touchingApex = 1e-6;
 
-/// The one or two segments at each vertex, as a hash table with linear probing.
+/// The one or two segments at each vertex.
 class IncidenceTable {
 public:
     struct Entry {
         const Point2* pVtx = nullptr;
         ConstraintSegment2* aSegment[2] = {nullptr, nullptr};
+        bool isFree() const noexcept { return pVtx == nullptr; }
+        std::uint64_t getHash() const noexcept { return hashOfAddress(pVtx); }
     };
 
-    explicit IncidenceTable(std::size_t maxVertices) {
-        int bits = 2;
-        while ((std::size_t(1) << bits) < 2 * maxVertices) {
-            ++bits;
-        }
-        shift = 64 - bits;
-        vEntries.resize(std::size_t(1) << bits);
-    }
+    explicit IncidenceTable(std::size_t maxVertices) : table(maxVertices) {}
 
     /// False for a third segment at the vertex.
     bool add(const Point2* pVtx, ConstraintSegment2* pSegment) {
         Entry& entry = at(pVtx);
-        entry.pVtx = pVtx;
-        ConstraintSegment2*& free = entry.aSegment[entry.aSegment[0] != nullptr ? 1 : 0];
-        if (free != nullptr) return false;
-        free = pSegment;
+        if (entry.isFree()) {
+            table.fill(entry, {pVtx, {pSegment, nullptr}});
+            return true;
+        }
+        if (entry.aSegment[1] != nullptr) return false;
+        entry.aSegment[1] = pSegment;
         return true;
     }
     /// The vertex's entry, or the free one where it belongs.
-    Entry& at(const Point2* pVtx) {
-        auto i =
-            static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(pVtx) * 0x9e3779b97f4a7c15ULL >> shift);
-        while (vEntries[i].pVtx != nullptr && vEntries[i].pVtx != pVtx) {
-            i = (i + 1) & (vEntries.size() - 1);
-        }
-        return vEntries[i];
+    Entry& at(const Point2* pVtx) noexcept {
+        return table.find(hashOfAddress(pVtx), [=](const Entry& entry) { return entry.pVtx == pVtx; });
     }
 
 private:
-    std::vector<Entry> vEntries; // at most half of them taken
-    int shift;
+    HashTable<Entry> table;
 };
 
 template <class Pointer>
