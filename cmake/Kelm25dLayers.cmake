@@ -60,6 +60,7 @@ set(KELM25D_LAYER_values
 
 set(KELM25D_LAYER_containers
     dt2Library/AddressSet.h
+    dt2Library/HashTable.h
     dt2Library/Histogram.cpp
     dt2Library/Histogram.h
     dt2Library/MTCtrl.h
@@ -76,8 +77,12 @@ set(KELM25D_LAYER_stores
     dt2Library/HC2.h
     dt2Library/SegmentTable.cpp
     dt2Library/SegmentTable.h
+    dt2Library/VertexDuplicates.cpp
+    dt2Library/VertexDuplicates.h
     dt2Library/VertexVault.cpp
     dt2Library/VertexVault.h
+    dt2Library/WaitingVertices.cpp
+    dt2Library/WaitingVertices.h
     dt2Library/hilbertSort.cpp
     dt2Library/hilbertSort.h)
 

@@ -1,5 +1,6 @@
 // The vertex index: filling, searching, sorting, and the settling of duplicates.
-// The order along the curve is made in hilbertSort.cpp.
+// The order along the curve is made in hilbertSort.cpp; what is known of vertices that wait is in
+// WaitingVertices.cpp.
 
 #include "VertexVault.h"
 
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <iostream>
 
 namespace QUOR_KELM25D {
@@ -79,13 +79,6 @@ struct FTask {
     }
 };
 
-std::uint64_t bitsOf(double v) noexcept {
-    v += 0.0; // the two zeros are equal and must hash alike
-    std::uint64_t bits;
-    std::memcpy(&bits, &v, sizeof bits);
-    return bits;
-}
-
 Triangle2* usableTriangle(const IdxVtx& entry) noexcept {
     return entry.bActive ? entry.pVtx->getIncidentTriangle() : nullptr;
 }
@@ -101,16 +94,11 @@ bool isCloser(const IdxVtx& entry, const IdxVtx& other, const Point2& q) noexcep
 
 VertexVault::VertexVault(SimplePool<Point2>& vertexPool_, const HC2& hilbert_, QuorTest& quorTest_,
                          const int& numCPU_)
-    : vertexPool(vertexPool_), hilbert(hilbert_), quorTest(quorTest_), numCPU(numCPU_) {
+    : vertexPool(vertexPool_), hilbert(hilbert_), numCPU(numCPU_), waiting(vIdxVtxAct, quorTest_) {
 }
 
 VertexVault::~VertexVault() {
     deleteFakeCorners();
-}
-
-std::size_t VertexVault::PlanHash::operator()(const std::pair<double, double>& xy) const noexcept {
-    const std::uint64_t h = bitsOf(xy.first) * 0x9e3779b97f4a7c15ULL ^ bitsOf(xy.second);
-    return static_cast<std::size_t>((h ^ (h >> 29)) * 0xbf58476d1ce4e5b9ULL >> 7);
 }
 
 // --- adding -----------------------------------------------------------------------------------------------
@@ -275,56 +263,20 @@ Point2* VertexVault::getVertexPointer(const Point2& point) const {
     return i != npos ? vIdxVtxAct[i].pVtx : nullptr;
 }
 
-Point2* VertexVault::findWaiting(const Point2& point) {
-    for (; numHashed < vIdxVtxAct.size(); ++numHashed) {
-        const IdxVtx& entry = vIdxVtxAct[numHashed];
-        if (entry.bActive) mWaiting.emplace(std::make_pair(entry.pVtx->x(), entry.pVtx->y()), entry.pVtx);
-    }
-    const auto it = mWaiting.find(std::make_pair(point.x(), point.y()));
-    return it != mWaiting.end() ? it->second : nullptr;
-}
-
-void VertexVault::forgetWaiting() {
-    PlanMap().swap(mWaiting);
-    numHashed = numCollinear = 0;
-    firstOfLine = secondOfLine = npos;
-}
-
 /// What was known of positions is so no more.
 void VertexVault::entriesMoved() {
     vKeySamples.clear();
     for (std::size_t i = 0; i < numSorted; i += sampleStep) {
         vKeySamples.push_back(vIdxVtxAct[i].hcKey);
     }
-    forgetWaiting();
+    waiting.forget();
     PositionMap().swap(mPosition);
     numPlaced = numScanned = 0;
 }
 
 bool VertexVault::getFirstTriple(Point2*& a, Point2*& b, Point2*& c) {
     KELM_CHECK(!bFullDimensional);
-    for (; numCollinear < vIdxVtxAct.size(); ++numCollinear) {
-        const IdxVtx& entry = vIdxVtxAct[numCollinear];
-        if (!entry.bActive) continue;
-        if (firstOfLine == npos) {
-            firstOfLine = numCollinear;
-            continue;
-        }
-        Point2* pFirst = vIdxVtxAct[firstOfLine].pVtx;
-        if (secondOfLine == npos) {
-            if (*entry.pVtx != *pFirst) secondOfLine = numCollinear;
-            continue;
-        }
-        Point2* pSecond = vIdxVtxAct[secondOfLine].pVtx;
-        const Orientation2 orientation = quorTest.getOrientation2Filtered(pFirst, pSecond, entry.pVtx);
-        if (orientation == ORIENTATION2_COLLINEAR) continue;
-        a = pFirst;
-        b = pSecond;
-        c = entry.pVtx;
-        if (orientation == ORIENTATION2_CW) std::swap(b, c);
-        return true;
-    }
-    return false;
+    return waiting.getFirstTriple(a, b, c);
 }
 
 // --- reading ----------------------------------------------------------------------------------------------
@@ -362,7 +314,7 @@ Bbox2 VertexVault::computeBoundingBox() const {
 
 void VertexVault::setFullDimensional(bool bFull) noexcept {
     bFullDimensional = bFull;
-    forgetWaiting();
+    waiting.forget();
 }
 
 void VertexVault::deactivateEntry(IdxVtx& entry) noexcept {
@@ -377,11 +329,7 @@ void VertexVault::deactivate(Point2* pVtx) {
     if (i == notFound) return;
     deactivateEntry(vIdxVtxAct[i]);
     if (bFullDimensional) return;
-    if (i < numHashed) mWaiting.erase(std::make_pair(pVtx->x(), pVtx->y()));
-    if (i == firstOfLine || i == secondOfLine) {
-        numCollinear = 0;
-        firstOfLine = secondOfLine = npos;
-    }
+    waiting.entryLeft(i);
     if (2 * numInactive > vIdxVtxAct.size()) dropInactive();
 }
 
@@ -445,90 +393,49 @@ void VertexVault::orderFront(std::size_t n) {
 
 // --- duplicates -------------------------------------------------------------------------------------------
 
-void VertexVault::addDuplicate(Point2* pDup, Point2* pExisting) {
-    if (pDup == pExisting) return;
-    const std::lock_guard<std::mutex> lock(mtxDuplicates);
-    mRedundant2UniqueVtx.emplace_back(pDup, pExisting);
-}
-
-void VertexVault::sortRedundant() {
-    std::sort(mRedundant2UniqueVtx.begin(), mRedundant2UniqueVtx.end());
-    const auto sameVertex = [](const auto& a, const auto& b) { return a.first == b.first; };
-    const bool bInserted = std::adjacent_find(mRedundant2UniqueVtx.begin(), mRedundant2UniqueVtx.end(),
-                                              sameVertex) == mRedundant2UniqueVtx.end();
-    KELM_CHECK(bInserted);
-}
-
-const std::pair<Point2*, Point2*>* VertexVault::findRedundant(const Point2* pVtx) const noexcept {
-    const auto it = std::lower_bound(mRedundant2UniqueVtx.begin(), mRedundant2UniqueVtx.end(), pVtx,
-                                     [](const auto& pair, const Point2* p) { return pair.first < p; });
-    return it != mRedundant2UniqueVtx.end() && it->first == pVtx ? &*it : nullptr;
-}
-
-/// Puts survivors into the handles.
-void VertexVault::replaceHandles(std::vector<Point2*>& vHandles) const {
-    for (auto it = vHandles.begin(); it != vHandles.end(); ++it) {
-        if ((*it)->getIncidentTriangle() != nullptr) continue;
-        const auto* pPair = findRedundant(*it);
-        if (pPair == nullptr) continue;
-        Point2* pExistingVtx = pPair->second;
-        KELM_CHECK(**it==*pExistingVtx);
-        *it = pExistingVtx;
+/// Those among vertices that wait, whom nobody has met.
+void VertexVault::addWaitingDuplicates() {
+    if (!duplicates.empty()) checkFailed("mRedundant2UniqueVtx.empty()", __FILE__, __LINE__);
+    const auto isConstraintEnd = [](const Point2& vtx) { return vtx.constraintFilter != 0; };
+    for (const WaitingVertices::Duplicate& duplicate : waiting.findDuplicates(isConstraintEnd)) {
+        IdxVtx& entry = vIdxVtxAct[duplicate.position];
+        deactivateEntry(entry);
+        duplicates.add(entry.pVtx, duplicate.pExisting);
     }
 }
 
-void VertexVault::findWaitingDuplicates() {
-    KELM_CHECK(mRedundant2UniqueVtx.empty());
-    std::unordered_map<std::pair<double, double>, IdxVtx*, PlanHash> mFirst;
-    for (IdxVtx& entry : vIdxVtxAct) {
-        if (!entry.bActive) continue;
-        const auto inserted = mFirst.emplace(std::make_pair(entry.pVtx->x(), entry.pVtx->y()), &entry);
-        if (inserted.second) continue;
-        // The first stays, but the end of a constraint segment has to.
-        IdxVtx*& pFirst = inserted.first->second;
-        IdxVtx* pRedundant = &entry;
-        if (entry.pVtx->constraintFilter != 0) std::swap(pFirst, pRedundant);
-        deactivateEntry(*pRedundant);
-        mRedundant2UniqueVtx.emplace_back(pRedundant->pVtx, pFirst->pVtx);
-    }
-}
-
-void VertexVault::fixDuplicates(std::vector<Point2*>* pvHandles) {
-    if (!bFullDimensional) {
-        findWaitingDuplicates();
-        if (mRedundant2UniqueVtx.empty()) return;
-        sortRedundant();
-        if (pvHandles != nullptr) replaceHandles(*pvHandles);
-        mRedundant2UniqueVtx.clear();
-        sortIfNeeded(false);
-        return;
-    }
-    if (mRedundant2UniqueVtx.empty()) return;
-    sortRedundant();
+/// Takes the redundant vertices of a mesh out of the index.
+void VertexVault::deactivateRedundant() {
     std::size_t numFoundInIdxVtxAct = 0;
     // From the end: they have just been added, but for vertices that had waited and met the mesh only now.
-    for (std::size_t i = vIdxVtxAct.size(); i-- > 0 && numFoundInIdxVtxAct < mRedundant2UniqueVtx.size();) {
+    for (std::size_t i = vIdxVtxAct.size(); i-- > 0 && numFoundInIdxVtxAct < duplicates.size();) {
         IdxVtx& entry = vIdxVtxAct[i];
         if (!entry.bActive || usableTriangle(entry) != nullptr) continue;
-        if (findRedundant(entry.pVtx) == nullptr) continue;
+        if (duplicates.find(entry.pVtx) == nullptr) continue;
         deactivateEntry(entry);
         ++numFoundInIdxVtxAct;
     }
-    if (mRedundant2UniqueVtx.size() != numFoundInIdxVtxAct) {
-        std::cout << "BUG: mRedundant2UniqueVtx.size()=" << mRedundant2UniqueVtx.size() << std::endl
-                  << "     numFoundInIdxVtxAct=" << numFoundInIdxVtxAct << std::endl;
-    }
-    KELM_CHECK(mRedundant2UniqueVtx.size()==numFoundInIdxVtxAct);
-    if (pvHandles != nullptr) replaceHandles(*pvHandles);
-    mRedundant2UniqueVtx.clear();
+    if (duplicates.size() == numFoundInIdxVtxAct) return;
+    std::cout << "BUG: mRedundant2UniqueVtx.size()=" << duplicates.size() << std::endl
+              << "     numFoundInIdxVtxAct=" << numFoundInIdxVtxAct << std::endl;
+    checkFailed("mRedundant2UniqueVtx.size()==numFoundInIdxVtxAct", __FILE__, __LINE__);
+}
+
+void VertexVault::fixDuplicates(std::vector<Point2*>* pvHandles) {
+    if (!bFullDimensional) addWaitingDuplicates();
+    if (duplicates.empty()) return;
+    duplicates.sort();
+    if (bFullDimensional) deactivateRedundant();
+    if (pvHandles != nullptr) duplicates.replaceHandles(*pvHandles);
+    duplicates.clear();
+    if (!bFullDimensional) sortIfNeeded(false);
 }
 
 Point2* VertexVault::resolveDuplicate(Point2* pNew) {
-    KELM_CHECK(mRedundant2UniqueVtx.size()==1 && mRedundant2UniqueVtx.front().first==pNew);
+    Point2* pExisting = duplicates.getOnly(pNew);
     KELM_CHECK(vIdxVtxAct.back().pVtx==pNew);
     deactivateEntry(vIdxVtxAct.back());
-    Point2* pExisting = mRedundant2UniqueVtx.front().second;
-    mRedundant2UniqueVtx.clear();
+    duplicates.clear();
     return pExisting;
 }
 

@@ -1,5 +1,7 @@
-// The vertex store: every vertex of a triangulation, ordered along the Hilbert curve, and its duplicates.
-// The vertices' storage is the pool of Dt2; what happens to triangles is decided there too.
+// The vertex store: every vertex of a triangulation, ordered along the Hilbert curve.
+// The vertices' storage is the pool of Dt2; what happens to triangles is decided there too. Vertices before
+// there is a mesh are the subject of WaitingVertices, those found redundant of VertexDuplicates; both are
+// reached through here only.
 //
 // The index is a sequence of entries whose first numSorted elements stand in key order; later ones stand as
 // they were added and are merged in when they pass a third of the whole. A binary search in the sorted part
@@ -13,14 +15,14 @@
 #include "HC2.h"
 #include "QuorTest.h"
 #include "SimplePool.h"
+#include "VertexDuplicates.h"
+#include "WaitingVertices.h"
 #include "hilbertSort.h"
 
 #include <kelm25d/Bbox2.h>
 
 #include <cstddef>
-#include <mutex>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 namespace QUOR_KELM25D {
@@ -64,7 +66,7 @@ public:
     /// The active vertex with equal x and y, or null.
     Point2* getVertexPointer(const Point2& point) const;
     /// The waiting vertex with equal x and y, or null. Only while not full-dimensional.
-    Point2* findWaiting(const Point2& point);
+    Point2* findWaiting(const Point2& point) { return waiting.find(point); }
     /// Three vertices that make a first triangle, counterclockwise, in index order but for that. Only while
     /// not full-dimensional; false if all points are collinear.
     bool getFirstTriple(Point2*& a, Point2*& b, Point2*& c);
@@ -105,9 +107,9 @@ public:
     // --- duplicates ---------------------------------------------------------------------------------------
 
     /// No duplicate is pending. True at every moment outside an insertion.
-    bool dupIsClean() const noexcept { return mRedundant2UniqueVtx.empty(); }
+    bool dupIsClean() const noexcept { return duplicates.empty(); }
     /// Records that pDup stands where pExisting already is; nothing if they are the same. Thread safe.
-    void addDuplicate(Point2* pDup, Point2* pExisting);
+    void addDuplicate(Point2* pDup, Point2* pExisting) { duplicates.add(pDup, pExisting); }
     /// After a bulk insertion: takes redundant vertices out of the index and puts the survivors into the
     /// handles. While not full-dimensional it looks for duplicates itself; the first in index order stays.
     void fixDuplicates(std::vector<Point2*>* pvHandles);
@@ -126,11 +128,6 @@ public:
 private:
     friend class Dt2; // its checks print their conditions as they stand
 
-    struct PlanHash {
-        std::size_t operator()(const std::pair<double, double>& xy) const noexcept;
-    };
-    using PlanMap = std::unordered_map<std::pair<double, double>, Point2*, PlanHash>;
-
     template <class Source>
     void addFrom(const Source& source, std::vector<Point2*>* pvHandles, std::size_t& firstIdx);
     std::size_t lowerBound(std::uint32_t key) const noexcept;
@@ -139,17 +136,13 @@ private:
     void deactivateEntry(IdxVtx& entry) noexcept;
     std::size_t findVertex(const Point2* pQuery) const;
     void entriesMoved();
-    void replaceHandles(std::vector<Point2*>& vHandles) const;
-    const std::pair<Point2*, Point2*>* findRedundant(const Point2* pVtx) const noexcept;
-    void sortRedundant();
-    void findWaitingDuplicates();
-    void forgetWaiting();
+    void addWaitingDuplicates();
+    void deactivateRedundant();
 
     static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 
     SimplePool<Point2>& vertexPool;
     const HC2& hilbert;
-    QuorTest& quorTest;
     const int& numCPU;
 
     bool bFullDimensional = false;          // triangles exist
@@ -160,10 +153,8 @@ private:
     std::size_t numInactive = 0;            // entries with the flag cleared
     mutable std::size_t lastFound = npos;   // position found last; may hold another entry by now
     std::vector<Point2*> vFakeBoxHandles;   // empty outside a bulk insertion with several threads; owned
-    // Pending duplicates: the redundant vertex and the vertex in its place. A map, as a sequence that is
-    // sorted once all are known.
-    std::vector<std::pair<Point2*, Point2*>> mRedundant2UniqueVtx;
-    std::mutex mtxDuplicates; // guards mRedundant2UniqueVtx in addDuplicate
+    VertexDuplicates duplicates;            // pending; none outside an insertion
+    WaitingVertices waiting;                // while not full-dimensional: of vIdxVtxAct
 
     // Positions by vertex, of the first numPlaced entries: made when scanning has become costly, dropped when
     // entries move.
@@ -171,13 +162,6 @@ private:
     mutable PositionMap mPosition;
     mutable std::size_t numPlaced = 0;
     mutable std::size_t numScanned = 0; // entries looked at since entries moved last
-
-    // While not full-dimensional: what is known of the leading entries, so that a long line of points that
-    // arrive one by one is not searched anew for each. Forgotten whenever entries move.
-    PlanMap mWaiting; // of the first numHashed entries, the active ones
-    std::size_t numHashed = 0;
-    std::size_t numCollinear = 0;                        // leading entries that are known to hold no triple
-    std::size_t firstOfLine = npos, secondOfLine = npos; // two different active points among them
 };
 
 } // namespace QUOR_KELM25D
