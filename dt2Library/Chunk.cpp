@@ -29,8 +29,8 @@ struct Circle {
 Circle circleThrough(const Triangle2& t, double centerX, double centerY) noexcept {
     if (!std::isfinite(centerX) || !std::isfinite(centerY)) return Circle();
     double least = std::numeric_limits<double>::infinity(), most = 0.0; // squared distances
-    for (int i = 0; i < 3; ++i) {
-        const double dx = t.getCorner(i)->x() - centerX, dy = t.getCorner(i)->y() - centerY;
+    for (const Point2* pCorner : t.getCorners()) {
+        const double dx = pCorner->x() - centerX, dy = pCorner->y() - centerY;
         const double distance = dx * dx + dy * dy;
         least = std::min(least, distance);
         most = std::max(most, distance);

@@ -143,9 +143,9 @@ private:
     }
 
     void startInside(Triangle2* pT) {
-        for (int i = 0; i < 3; ++i) {
-            if (*pT->getCorner(i) == s) {
-                goTo(pT->getCorner(i));
+        for (Point2* pCorner : pT->getCorners()) {
+            if (*pCorner == s) {
+                goTo(pCorner);
                 return;
             }
         }

@@ -7,9 +7,8 @@
 
 #include "Partitioner.h"
 
-#include "AddressSet.h"
+#include "Flood.h"
 #include "messages.h"
-#include "prefetch.h"
 
 #include <algorithm>
 #include <atomic>
@@ -32,25 +31,23 @@ using Parts = std::vector<std::vector<Triangle2*>>;
 /// Appends the sets into which triangles fall that are connected over edges, in the order of the first
 /// triangle of each. With bIsolated none has a neighbour that is not among them.
 void appendConnected(std::vector<Triangle2*>&& vT, bool bIsolated, Parts& vPartsOut) {
-    TriangleSet sLeft, sReached;
-    if (!bIsolated) sLeft = TriangleSet(vT);
-    const auto take = [&](const Triangle2* pT) { return bIsolated ? sReached.insert(pT) : sLeft.erase(pT); };
+    TriangleSet sOwn;
+    if (!bIsolated) sOwn = TriangleSet(vT);
+    Flood flood;
     for (Triangle2* pFirst : vT) {
-        if (!take(pFirst)) continue;
-        std::vector<Triangle2*> vPart{pFirst};
-        for (std::size_t next = 0; next < vPart.size(); ++next) {
-            for (int i = 0; i < 3; ++i) {
-                Triangle2* pN = vPart[next]->getOppositeTriangle(i);
-                if (pN == nullptr || !take(pN)) continue;
-                prefetch(pN);
-                vPart.push_back(pN);
+        const std::size_t numBefore = flood.getSequence().size();
+        if (!flood.reach(pFirst)) continue;
+        while (const Triangle2* pT = flood.next()) {
+            for (Triangle2* pN : pT->getOppositeTriangles()) {
+                if (pN != nullptr && (bIsolated || sOwn.contains(pN))) flood.reach(pN);
             }
         }
-        if (vPart.size() == vT.size()) {
+        const std::vector<Triangle2*>& vReached = flood.getSequence();
+        if (vReached.size() - numBefore == vT.size()) {
             vPartsOut.push_back(std::move(vT)); // in its own order, which is mostly that of the memory
             return;
         }
-        vPartsOut.push_back(std::move(vPart));
+        vPartsOut.emplace_back(vReached.begin() + static_cast<std::ptrdiff_t>(numBefore), vReached.end());
     }
 }
 
@@ -160,8 +157,8 @@ void ConnectedComponent::splitAtPinches(const std::vector<Point2*>& vPinches, Pa
     const VertexSet sPinches(vPinches);
     std::vector<std::pair<Point2*, Triangle2*>> vAtPinch;
     for (Triangle2* pT : vComponentT) {
-        for (int i = 0; i < 3; ++i) {
-            if (sPinches.contains(pT->getCorner(i))) vAtPinch.emplace_back(pT->getCorner(i), pT);
+        for (Point2* pCorner : pT->getCorners()) {
+            if (sPinches.contains(pCorner)) vAtPinch.emplace_back(pCorner, pT);
         }
     }
     std::stable_sort(vAtPinch.begin(), vAtPinch.end(),

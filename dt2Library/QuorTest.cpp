@@ -3,6 +3,7 @@
 
 #include "QuorTest.h"
 
+#include "cornerIndex.h"
 #include "exactSigns.h"
 #include "messages.h"
 
@@ -95,8 +96,7 @@ bool isAxisParallelRectangle(const Triangle2* t, const Point2* q) noexcept {
     int numEqualX = 0, numEqualY = 0;
     double aX[3], aY[3];
     int numX = 0, numY = 0;
-    for (int i = 0; i < 3; ++i) {
-        const Point2* p = t->getCorner(i);
+    for (const Point2* p : t->getCorners()) {
         if (p->x() == q->x()) {
             ++numEqualX;
         } else {
@@ -266,7 +266,7 @@ InCircle QuorTest::circleIncRational(const Triangle2* t, const Point2* q) {
         mpq_add(aLift[i], aLift[i], scratch);
     }
     for (int i = 0; i < 3; ++i) {
-        const int j = incIndexBy1(i), k = incIndexBy2(i);
+        const int j = next(i), k = prev(i);
         mpq_mul(circleRes[i], aDiff[2 * j], aDiff[2 * k + 1]);
         mpq_mul(scratch, aDiff[2 * k], aDiff[2 * j + 1]);
         mpq_sub(circleRes[i], circleRes[i], scratch);

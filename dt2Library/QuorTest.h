@@ -14,6 +14,8 @@
 // and Fast Robust Geometric Predicates" (1997), with an absolute term for underflow.
 #pragma once
 
+#include "cornerIndex.h"
+
 #include <kelm25d/Orientation2.h>
 #include <kelm25d/Triangle2.h>
 
@@ -106,7 +108,7 @@ inline Orientation2 QuorTest::getOrientation2Filtered(const Point2* p0, const Po
 }
 
 inline Orientation2 QuorTest::getEdgeOrientation(const Triangle2* t, int i, const Point2* q) {
-    return getOrientation2Filtered(t->getCorner(incIndexBy1(i)), t->getCorner(incIndexBy2(i)), q);
+    return getOrientation2Filtered(t->getCorner(next(i)), t->getCorner(prev(i)), q);
 }
 
 inline InCircle QuorTest::circleIncFilter(const Point2* a, const Point2* b, const Point2* c,

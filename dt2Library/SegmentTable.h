@@ -8,6 +8,7 @@
 #pragma once
 
 #include "HashTable.h"
+#include "cornerIndex.h"
 
 #include <kelm25d/ConstraintSegment2.h>
 #include <kelm25d/Triangle2.h>
@@ -26,11 +27,11 @@ public:
         return findAlive(a, b) != nullptr;
     }
     bool isConstraintEdge(const Triangle2* pT, int i) const noexcept {
-        return isConstraintEdge(pT->getCorner(incIndexBy1(i)), pT->getCorner(incIndexBy2(i)));
+        return isConstraintEdge(pT->getCorner(next(i)), pT->getCorner(prev(i)));
     }
     /// The alive segment that edge i of the triangle is, or null.
     ConstraintSegment2* getSegment(const Triangle2* pT, int i) const noexcept {
-        return findAlive(pT->getCorner(incIndexBy1(i)), pT->getCorner(incIndexBy2(i)));
+        return findAlive(pT->getCorner(next(i)), pT->getCorner(prev(i)));
     }
 
     /// Whether any segment, alive or dead, ends at the vertex.

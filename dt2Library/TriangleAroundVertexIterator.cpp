@@ -2,6 +2,8 @@
 // Ordinary steps are inline in the header.
 #include <kelm25d/TriangleAroundVertexIterator.h>
 
+#include "cornerIndex.h"
+
 #include <kelm25d/KelmException.h>
 
 namespace QUOR_KELM25D {
@@ -17,10 +19,10 @@ void TriangleAroundVertexIterator::loop() noexcept {
     if (!pPreTr) return;
     const int i = pPreTr->getIntraTriangleIndex(pVtx);
     pTr = pPreTr;
-    if (pPreTr->getOppositeTriangle(incIndexBy1(i))) {
+    if (pPreTr->getOppositeTriangle(next(i))) {
         while (pTr)
             stepCCW();
-    } else if (pPreTr->getOppositeTriangle(incIndexBy2(i))) {
+    } else if (pPreTr->getOppositeTriangle(prev(i))) {
         while (pTr)
             stepCW();
     }

@@ -5,6 +5,7 @@
 #include "VertexVault.h"
 
 #include "MTCtrl.h"
+#include "SegmentTable.h"
 #include "messages.h"
 #include "prefetch.h"
 
@@ -367,7 +368,7 @@ void VertexVault::sortIfNeeded(bool bConditional) {
 
 std::size_t VertexVault::orderConstraintVerticesFirst() {
     const auto itOther = std::stable_partition(vIdxVtxAct.begin(), vIdxVtxAct.end(), [](const IdxVtx& entry) {
-        return entry.pVtx->constraintFilter != 0;
+        return SegmentTable::isConstraintVertex(entry.pVtx);
     });
     numSorted = 0;
     entriesMoved();
@@ -396,7 +397,7 @@ void VertexVault::orderFront(std::size_t n) {
 /// Those among vertices that wait, whom nobody has met.
 void VertexVault::addWaitingDuplicates() {
     if (!duplicates.empty()) checkFailed("mRedundant2UniqueVtx.empty()", __FILE__, __LINE__);
-    const auto isConstraintEnd = [](const Point2& vtx) { return vtx.constraintFilter != 0; };
+    const auto isConstraintEnd = [](const Point2& vtx) { return SegmentTable::isConstraintVertex(&vtx); };
     for (const WaitingVertices::Duplicate& duplicate : waiting.findDuplicates(isConstraintEnd)) {
         IdxVtx& entry = vIdxVtxAct[duplicate.position];
         deactivateEntry(entry);

@@ -126,8 +126,6 @@ public:
     void deleteFakeCorners();
 
 private:
-    friend class Dt2; // its checks print their conditions as they stand
-
     template <class Source>
     void addFrom(const Source& source, std::vector<Point2*>* pvHandles, std::size_t& firstIdx);
     std::size_t lowerBound(std::uint32_t key) const noexcept;

@@ -157,8 +157,8 @@ void Zone2::getVertices(std::vector<Point2*>& vVertices) const {
     getTriangles(vTriangles);
     VertexSet sVertices;
     for (const Triangle2* pT : vTriangles) {
-        for (int i = 0; i < 3; ++i) {
-            sVertices.insert(pT->getCorner(i));
+        for (const Point2* pCorner : pT->getCorners()) {
+            sVertices.insert(pCorner);
         }
     }
     sVertices.appendTo(vVertices);

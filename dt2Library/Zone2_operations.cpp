@@ -41,11 +41,9 @@ void printCounts(std::size_t numTriangles, const Zone2& zone) {
 
 /// Whether a triangle and all that lie around it are in the set.
 bool isInterior(const TriangleSet& sTriangles, const Triangle2* pT) {
-    for (int i = 0; i < 3; ++i) {
-        const Triangle2* pN = pT->getOppositeTriangle(i);
-        if (pN == nullptr || !sTriangles.contains(pN)) return false;
-    }
-    return true;
+    const auto& aN = pT->getOppositeTriangles();
+    return std::all_of(aN, aN + 3,
+                       [&](const Triangle2* pN) { return pN != nullptr && sTriangles.contains(pN); });
 }
 
 } // namespace
@@ -113,8 +111,7 @@ Zone2* peelOffIf(Zone2* pZone, UserPredicateT* pPredicate, bool bVerbose) {
         vStack.pop_back();
         // A triangle that was taken off and comes up again is asked about again, deliberately.
         if (isInterior(sLeft, pT) || !(*pPredicate)(pT) || !sLeft.erase(pT)) continue;
-        for (int i = 0; i < 3; ++i) {
-            Triangle2* pN = pT->getOppositeTriangle(i);
+        for (Triangle2* pN : pT->getOppositeTriangles()) {
             if (pN != nullptr && sLeft.contains(pN)) vStack.push_back(pN);
         }
     }
@@ -144,8 +141,8 @@ Bbox2 Zone2::getBoundingBox() const {
     getTriangles(vTriangles);
     Bbox2 box;
     for (const Triangle2* pT : vTriangles) {
-        for (int i = 0; i < 3; ++i) {
-            box.add(*pT->getCorner(i));
+        for (const Point2* pCorner : pT->getCorners()) {
+            box.add(*pCorner);
         }
     }
     return box;
@@ -170,8 +167,7 @@ void Zone2::analyzeAngles() {
     unsigned numAngles = 0, numAnglesGt10 = 0;
     for (const Triangle2* pT : vTriangles) {
         const Vector2 normal = pT->getNormalVector();
-        for (int i = 0; i < 3; ++i) {
-            const Triangle2* pN = pT->getOppositeTriangle(i);
+        for (const Triangle2* pN : pT->getOppositeTriangles()) {
             if (pN == nullptr) continue;
             const double angle = angleOfCosine(normal * pN->getNormalVector());
             sum += angle;

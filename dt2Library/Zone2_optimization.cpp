@@ -17,6 +17,7 @@
 #include "AddressSet.h"
 #include "VertexPairHash.h"
 #include "ZoneMgr.h"
+#include "cornerIndex.h"
 #include "measures.h"
 #include "messages.h"
 #include "prefetch.h"
@@ -97,10 +98,10 @@ bool isWorthTurning(const Quadrilateral& quad) {
         after += angle(outerNormal, newNormal);
     };
     // One new triangle for both neighbours on a side is deliberate, though each will have one of them.
-    addOuter(quad.pT->getOppositeTriangle(incIndexBy1(quad.i)), normal1, newNormal1);
-    addOuter(quad.pT->getOppositeTriangle(incIndexBy2(quad.i)), normal1, newNormal1);
-    addOuter(quad.pN->getOppositeTriangle(incIndexBy1(quad.j)), normal2, newNormal2);
-    addOuter(quad.pN->getOppositeTriangle(incIndexBy2(quad.j)), normal2, newNormal2);
+    addOuter(quad.pT->getOppositeTriangle(next(quad.i)), normal1, newNormal1);
+    addOuter(quad.pT->getOppositeTriangle(prev(quad.i)), normal1, newNormal1);
+    addOuter(quad.pN->getOppositeTriangle(next(quad.j)), normal2, newNormal2);
+    addOuter(quad.pN->getOppositeTriangle(prev(quad.j)), normal2, newNormal2);
     const double dihedralImprovement = before - after;
 
     const bool bDoIt = minAfter > 40.0 && dihedralImprovement > -5.0 && centerBefore - centerAfter >= -5.0 &&

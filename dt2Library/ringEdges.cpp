@@ -11,7 +11,8 @@
 #include <kelm25d/Orientation2.h>
 #include <kelm25d/TriangleAroundVertexIterator.h>
 
-#include "AddressSet.h"
+#include "Flood.h"
+#include "cornerIndex.h"
 #include "messages.h"
 #include "ringTools.h"
 
@@ -79,13 +80,13 @@ LooseEdges::LooseEdges(const std::vector<Edge2>& vEdges) : numLeft(vEdges.size()
     });
     std::sort(vEnds.begin(), vEnds.end(), isLower);
     vEnds.erase(std::unique(vEnds.begin(), vEnds.end()), vEnds.end());
-    std::size_t next = 0;
+    std::size_t position = 0;
     for (Point2* pVtx : vEnds) {
-        const std::size_t first = next;
-        while (next < vEntries.size() && vEntries[next].pSrc == pVtx)
-            ++next;
+        const std::size_t first = position;
+        while (position < vEntries.size() && vEntries[position].pSrc == pVtx)
+            ++position;
         vFromLeft.push_back(vVertices.size());
-        vVertices.push_back({pVtx, first, next, next - first});
+        vVertices.push_back({pVtx, first, position, position - first});
     }
     for (const Entry& entry : vEntries) {
         ++vertexOf(entry.pSrc).numAtEnds;
@@ -151,7 +152,7 @@ Edge2 LooseEdges::findSharpestRightTurn(const Vertex& c, const Edge2& lastEdge) 
         ++it; // over lastEdge at first, so that its source is the first corner looked at
         const Triangle2* pT = *it;
         if (!pT) continue;
-        const Point2* pCorner = pT->getCorner(incIndexBy1(pT->getIntraTriangleIndex(c.pVtx)));
+        const Point2* pCorner = pT->getCorner(next(pT->getIntraTriangleIndex(c.pVtx)));
         for (std::size_t i = findEntry(c, pCorner); i < c.last && vEntries[i].pTrg == pCorner; ++i) {
             if (vEntries[i].bTaken) continue;
             const Edge2& outEdge = vEntries[i].edge;
@@ -282,26 +283,26 @@ void getConnectedComponents(const std::vector<Triangle2*>& vT,
 void getConnectedComponents(const std::vector<Triangle2*>& vT,
                             std::vector<std::vector<Triangle2*>>& vvComponentsOut,
                             const std::set<VertexPair2>& sBlockedEdges) {
-    TriangleSet sRest(vT);
-    std::vector<Triangle2*> vSeeds, vStack;
-    sRest.appendTo(vSeeds);
+    const TriangleSet sOwn(vT);
+    std::vector<Triangle2*> vSeeds;
+    sOwn.appendTo(vSeeds);
+    const auto isBlocked = [&](const Triangle2* pT, int i) {
+        return sBlockedEdges.count(VertexPair2(pT->getCorner(next(i)), pT->getCorner(prev(i)))) != 0;
+    };
+    Flood flood;
     for (Triangle2* pSeed : vSeeds) {
-        if (!sRest.erase(pSeed)) continue;
-        std::vector<Triangle2*> vComponent;
-        vStack.push_back(pSeed);
-        while (!vStack.empty()) {
-            Triangle2* pT = vStack.back();
-            vStack.pop_back();
-            vComponent.push_back(pT);
+        const std::size_t numBefore = flood.getSequence().size();
+        if (!flood.reach(pSeed)) continue;
+        while (const Triangle2* pT = flood.next()) {
             for (int i = 0; i < 3; ++i) {
-                Triangle2* pOpp = pT->getOppositeTriangle(i);
-                if (!pOpp) continue;
-                const VertexPair2 ends(pT->getCorner(incIndexBy1(i)), pT->getCorner(incIndexBy2(i)));
-                if (!sBlockedEdges.empty() && sBlockedEdges.count(ends) != 0) continue;
-                if (sRest.erase(pOpp)) vStack.push_back(pOpp);
+                Triangle2* pN = pT->getOppositeTriangle(i);
+                if (pN == nullptr || !sOwn.contains(pN)) continue;
+                if (sBlockedEdges.empty() || !isBlocked(pT, i)) flood.reach(pN);
             }
         }
-        vvComponentsOut.push_back(std::move(vComponent));
+        const std::vector<Triangle2*>& vReached = flood.getSequence();
+        vvComponentsOut.emplace_back(vReached.begin() + static_cast<std::ptrdiff_t>(numBefore),
+                                     vReached.end());
     }
     if (vSeeds.size() != vT.size()) printWarning("getConnectedComponents", " wrong number of triangles");
 }
