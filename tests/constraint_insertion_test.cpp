@@ -60,12 +60,11 @@ TEST(ConstraintInsertion, CrossingsTakeTheHeightOfTheFirstOrAnEndNearby) {
             dt.createConstraint(way < 2 ? v : std::vector<Segment2>{v[0]}, aStrategy[1], way % 2 == 0);
             if (way >= 2) dt.createConstraint({v[1]}, aStrategy[1], way % 2 == 0);
             ASSERT_EQ("", fault(dt, v));
-            EXPECT_TRUE(aliveSegments(dt).size() == c.numPieces &&
-                        dt.numberOfPoints() == numBefore + c.numNew);
+            EXPECT_EQ(aliveSegments(dt).size(), c.numPieces);
+            EXPECT_EQ(dt.numberOfPoints(), numBefore + c.numNew);
             const Point2* pMeeting = vertexAt(dt, c.meeting);
             ASSERT_NE(nullptr, pMeeting);
-            EXPECT_TRUE(way < 2 || pMeeting->z() == c.meeting.z())
-                << *pMeeting; // in one call there is no first
+            EXPECT_TRUE(way < 2 || pMeeting->z() == c.meeting.z()); // in one call there is no first
         }
     }
 }
@@ -294,19 +293,18 @@ TEST(ConstraintFiles, DebugFilesHoldThePiecesOfEachGraphAndDrawingsTellThemFromO
     mgr.writeConstraints("a");
     mgr.writeConstraintsBIN("a");
     const std::string lines = capture.take();
-    EXPECT_TRUE(has(lines, "ConstraintMgr::writeConstraints(), INFO: writes2 child segments to a_c0.con\n"));
-    EXPECT_TRUE(
-        has(lines, "ConstraintMgr::writeConstraintsBIN(), INFO: writes3 child segments to a_c1_con.bin\n"));
     for (const std::string name : {"a_c0", "a_c1"}) {
         std::vector<Segment2> vPieces;
         ASSERT_TRUE(readSegmentsBIN((name + "_con.bin").c_str(), vPieces));
+        const std::string written = "INFO: writes" + std::to_string(vPieces.size()) + " child segments to ";
+        EXPECT_TRUE(has(lines, "ConstraintMgr::writeConstraints(), " + written + name + ".con\n"));
+        EXPECT_TRUE(has(lines, "ConstraintMgr::writeConstraintsBIN(), " + written + name + "_con.bin\n"));
         const std::string text = readFile(name + ".con");
         EXPECT_EQ(static_cast<int>(vPieces.size()), std::count(text.begin(), text.end(), '\n'));
+        EXPECT_TRUE(std::regex_match(text, std::regex("(([0-9.-]+\t){5}[0-9.-]+\n)+"))) << text;
         for (const Segment2& s : vPieces)
             EXPECT_TRUE(dt.isConstraint(vertexAt(dt, s.getSrc()), vertexAt(dt, s.getTrg())));
     }
-    const std::regex line("(^|\n)([0-9.]+\t){5}[0-9.]+\n");
-    EXPECT_TRUE(std::regex_search(readFile("a_c0.con"), line));
     EXPECT_TRUE(has(readFile("a_c0.con"), "0\t0\t0.1000000000000000055511151231257827"));
     for (const bool bWith : {true, false}) {
         dt.show("page.ps", bWith);

@@ -15,19 +15,16 @@ constexpr unsigned fraction = 1;
 } // namespace
 
 TEST(ConstraintStress, EveryFamilyLeavesValidMeshAndConstraints) {
-    for (const SegmentFamily& family : segmentFamilies()) {
-        for (unsigned seed = 1; seed <= 400 / fraction; ++seed) {
-            ASSERT_EQ("", insertAndCheck(family.make(seed), seed % numVariants))
-                << family.name << ", seed " << seed;
-        }
-    }
+    for (unsigned seed = 1; seed <= 400 / fraction; ++seed)
+        for (const SegmentSet& set : makeAllFamilies(seed))
+            ASSERT_EQ("", insertAndCheck(set, seed % numVariants)) << set.name << ", seed " << seed;
 }
 
 TEST(ConstraintStress, LargeSetsLeaveValidMeshAndConstraints) {
-    const std::size_t n = 2000 / fraction;
+    constexpr std::size_t n = 2000 / fraction;
     for (unsigned variant = 0; variant < numVariants; variant += 5) {
-        ASSERT_EQ("", insertAndCheck(makeCrossingSegments(n, 0.05, variant), variant)) << variant;
-        ASSERT_EQ("", insertAndCheck(makeLatticeSegments(n / 10, 40, variant), variant)) << variant;
+        ASSERT_EQ("", insertAndCheck(makeManySegments(n, 0, variant), variant)) << variant;
+        ASSERT_EQ("", insertAndCheck(makeManySegments(n / 10, 40, variant), variant)) << variant;
     }
 }
 

@@ -32,8 +32,7 @@ void append(Points& v, const Triangle2* pT, int first) {
 
 /// The triangles of a triangulation, some edges of which were flipped.
 std::vector<Triangle2*> flipAtRandom(Kelm_2D& dt, std::mt19937_64& random) {
-    std::vector<Triangle2*> vTriangles;
-    dt.getTrianglePointers(vTriangles);
+    std::vector<Triangle2*> vTriangles = allTriangles(dt);
     for (std::size_t k = 0; k < 2 * vTriangles.size(); ++k) {
         Triangle2* pT = vTriangles[random() % vTriangles.size()];
         const int i = static_cast<int>(random() % 3);
@@ -102,9 +101,7 @@ TEST(Import, PartsOfMeshesComeBackAndGrowOn) {
             if (random() % 2 == 0) std::swap(v[i], v[i + 1]);
         for (int k = 0; k < 3 && seed % 7 == 0; ++k) // a triangulation may also have become empty
             dt.insert(randomPoint());
-        std::vector<Point2*> vBefore;
-        dt.getVertexPointers(vBefore);
-        for (Point2* pVtx : vBefore)
+        for (Point2* pVtx : allVertices(dt))
             dt.remove(pVtx);
         const Zone2* pZone = dt.importTriangles(v, bReorient, bBox);
         ASSERT_EQ("", findImportFault(dt, pZone, v, bBox ? 4 : 0));
@@ -202,8 +199,7 @@ TEST(Import, FirstPointOfAPlaceCountsAndCollinearTriplesCloseTheMesh) {
     ASSERT_NE(nullptr, pZone);
     EXPECT_TRUE(dt.checkValidity(false, "collinear"));
     EXPECT_EQ(4U, pZone->getNumberOfTriangles());
-    std::vector<Point2*> vVertices;
-    dt.getVertexPointers(vVertices);
+    std::vector<Point2*> vVertices = allVertices(dt);
     dt.createConstraint({Segment2({-1, 0, 0}, {2, 0, 0})}, CIS_CONSTRAINED_DELAUNAY); // along the triple
     EXPECT_TRUE(dt.checkValidity(false, "along"));
     std::sort(vVertices.begin(), vVertices.end(), [](Point2* p, Point2* q) { return *p < *q; });

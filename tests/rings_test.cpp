@@ -3,6 +3,7 @@
 #include "testing.h"
 
 #include "ringTools.h"
+#include "zoneModel.h"
 
 #include <deque>
 #include <regex>
@@ -11,15 +12,6 @@ namespace {
 
 using Segments = std::vector<Segment2>;
 using Edges = std::vector<Edge2>;
-using Triangles = std::vector<Triangle2*>;
-
-// The closed ring through the points, in their order.
-Segments ringOf(const std::vector<Point2>& v) {
-    Segments vRing;
-    for (std::size_t i = 0; i < v.size(); ++i)
-        vRing.emplace_back(v[i], v[(i + 1) % v.size()]);
-    return vRing;
-}
 
 Segments operator+(Segments v, const Segments& more) {
     v.insert(v.end(), more.begin(), more.end());
@@ -46,19 +38,15 @@ struct HalfMesh {
     explicit HalfMesh(const std::vector<Point2>& v) {
         dt.insert(v);
         dt.getTrianglePointers(vAll);
+        std::sort(vAll.begin(), vAll.end());
         std::mt19937 engine(5);
         std::copy_if(vAll.begin(), vAll.end(), std::back_inserter(vHalf), [&](auto) { return engine() % 2; });
     }
 };
 
-Edges borderEdges(const Triangles& vT) {
-    Edges vEdges;
-    getDirectedEdges(vT, vEdges);
-    const auto isInner = [&](const Edge2& edge) {
-        return std::count(vT.begin(), vT.end(), edge.getTriangle()->getOppositeTriangle(edge.getIndex()));
-    };
-    vEdges.erase(std::remove_if(vEdges.begin(), vEdges.end(), isInner), vEdges.end());
-    return vEdges;
+Edges borderEdges(const Triangles& v) {
+    const std::set<Edge2> sBorder = borderOf(v);
+    return {sBorder.begin(), sBorder.end()};
 }
 
 const std::vector<Point2> square{{0, 0, 1}, {2, 0, 2}, {2, 2, 3}, {0, 2, 4}};
@@ -137,9 +125,6 @@ TEST(SortRingCCW, RingThatTouchesItselfIsFollowedOnTheOuterSide) {
         shuffleAndFlip(v, engine);
         EXPECT_TRUE(sortRingCCW(v) && isSame(v, ringOf(vOuter))) << n;
     }
-}
-
-TEST(SortRingCCW, OnTheLeftTheSharpestTurnWins) {
     // At q nothing goes to the right; the upper left one is taken, and the loop of the others is left out.
     const Point2 p(0, 0, 0), q(2, 0, 0), upperLeft(1, 3, 0);
     Segments v = ringOf({q, {3, 3, 0}, {2, 3, 0}}) + ringOf({p, q, upperLeft});
@@ -185,16 +170,17 @@ TEST(EdgesToPolygons, BordersBecomeChainsBySharpestRightTurns) {
         for (const Edges& vChain : vvChains)
             v.insert(v.end(), vChain.begin(), vChain.end());
         ASSERT_TRUE(vRest.empty() && std::is_permutation(vEdges.begin(), vEdges.end(), v.begin(), v.end()));
-        std::size_t k = 0; // position in v
+        std::size_t k = 0; // the edges that were taken, of those in v
         for (const Edges& vChain : vvChains) {
             const Point2 *pMin = vChain[0].getSrc(), *pLast = pMin;
             const Point2 below(pMin->x(), pMin->y() - 1, 0), *pBack = &below;
-            for (std::size_t i = 0; i < vChain.size(); ++i, ++k) {
-                const Point2 *pSrc = vChain[i].getSrc(), *pTrg = vChain[i].getTrg();
-                EXPECT_TRUE(pSrc == pLast && (pSrc != pMin || i == 0));
+            for (const Edge2& edge : vChain) {
+                const Point2 *pSrc = edge.getSrc(), *pTrg = edge.getTrg();
+                EXPECT_TRUE(pSrc == pLast && (pSrc == pMin) == (edge == vChain[0]));
+                ++k;
                 // No edge that was left leads into the sector from the way back to the edge that was taken.
                 const bool bWide = exactOrientation(*pSrc, *pBack, *pTrg) < 0; // more than half a turn
-                for (std::size_t other = k + 1; other < v.size(); ++other) {
+                for (std::size_t other = k; other < v.size(); ++other) {
                     EXPECT_FALSE(*v[other].getSrc() < *pMin);
                     if (v[other].getSrc() != pSrc) continue;
                     const bool bLeftOfBack = exactOrientation(*pSrc, *pBack, *v[other].getTrg()) > 0;
@@ -256,32 +242,23 @@ TEST(IsSimplePolygon, ClosedAndWithoutCrossing) {
     }
 }
 
-TEST(TriangleSets, BordersAndEdges) {
-    HalfMesh mesh(makeAllKinds(60)[0].points);
-    Segments vOne, vBorder;
-    getBorders({mesh.vAll[0]}, vOne);
-    EXPECT_TRUE(vOne.size() == 3 && vOne[1].getSrc() == *Edge2(mesh.vAll[0], 1).getSrc());
-    getBorders(mesh.vAll, vBorder);
-    std::vector<Point2> vHull;
-    std::vector<Point2*> vpHull;
-    mesh.dt.getConvexHull(true, vpHull);
-    for (const Point2* p : vpHull)
-        vHull.push_back(*p);
-    EXPECT_TRUE(sortRingCCW(vBorder) && isSame(vBorder, ringOf(vHull)));
-
+TEST(TriangleSets, BordersEdgesAndComponentsAreThoseOfBruteForce) {
+    const HalfMesh mesh(makeAllKinds(60)[0].points);
+    for (const Triangles& vT : {mesh.vHalf, mesh.vAll}) {
+        Segments vBorder, vExpected;
+        getBorders(vT, vBorder);
+        for (const Edge2& edge : borderOf(vT))
+            vExpected.emplace_back(*edge.getSrc(), *edge.getTrg());
+        EXPECT_TRUE(isSame(vBorder, vExpected));
+    }
+    const auto pairOf = [](const Edge2& edge) { return VertexPair2(edge.getSrc(), edge.getTrg()); };
     Edges v, vDirected;
     getDirectedEdges(mesh.vHalf, v); // these are sorted along, and then there twice
     getDirectedEdges(mesh.vAll, vDirected);
     getUndirectedEdges(mesh.vAll, v);
     EXPECT_TRUE(std::is_permutation(v.begin(), v.end(), vDirected.begin(), vDirected.end()));
-    EXPECT_TRUE(std::is_sorted(v.begin(), v.end(), [](const Edge2& a, const Edge2& b) {
-        return VertexPair2(a.getSrc(), a.getTrg()) < VertexPair2(b.getSrc(), b.getTrg());
-    }));
-}
+    EXPECT_TRUE(std::is_sorted(v.begin(), v.end(), [&](auto a, auto b) { return pairOf(a) < pairOf(b); }));
 
-TEST(TriangleSets, ComponentsEndAtBlockedEdges) {
-    const HalfMesh mesh(makeAllKinds(60)[0].points);
-    const auto pairOf = [](const Edge2& edge) { return VertexPair2(edge.getSrc(), edge.getTrg()); };
     std::set<VertexPair2> sBlocked;
     for (std::size_t i = 0; i < mesh.vHalf.size(); i += 7)
         sBlocked.insert(pairOf(Edge2(mesh.vHalf[i], 2)));
@@ -289,22 +266,10 @@ TEST(TriangleSets, ComponentsEndAtBlockedEdges) {
         std::vector<Triangles> vv;
         getConnectedComponents(mesh.vHalf, vv, s);
         std::map<Triangle2*, std::size_t> mComponent;
-        const auto isLinked = [&](Triangle2* pT, int i) {
-            return mComponent.count(pT->getOppositeTriangle(i)) != 0 && s.count(pairOf(Edge2(pT, i))) == 0;
-        };
-        for (std::size_t c = 0; c < vv.size(); ++c) {
-            EXPECT_TRUE(c == 0 || std::less<Triangle2*>()(vv[c - 1][0], vv[c][0]));
-            for (Triangle2* pT : vv[c]) { // the first is linked to none before, every other one to its own
-                int numLinks = 0, numOwn = 0;
-                for (int i = 0; i < 3; ++i) {
-                    numLinks += isLinked(pT, i);
-                    numOwn += isLinked(pT, i) && mComponent[pT->getOppositeTriangle(i)] == c;
-                }
-                EXPECT_TRUE(numLinks == numOwn && (numLinks == 0) == (pT == vv[c][0]));
-                mComponent[pT] = c;
-            }
-        }
-        EXPECT_TRUE(mComponent.size() == mesh.vHalf.size() && vv.size() > 5);
+        for (std::size_t c = 0; c < vv.size(); ++c)
+            for (Triangle2* pT : vv[c])
+                EXPECT_TRUE(mComponent.emplace(pT, c).second);
+        EXPECT_TRUE(mComponent == partsOf(mesh.vHalf, s) && vv.size() > 5);
     }
     CoutCapture capture;
     std::vector<Triangles> vv;

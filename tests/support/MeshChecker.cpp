@@ -21,14 +21,6 @@ namespace testing_support {
 
 namespace {
 
-/// The corner that follows counterclockwise, and the one before.
-constexpr int next(int i) {
-    return (i + 1) % 3;
-}
-constexpr int prev(int i) {
-    return (i + 2) % 3;
-}
-
 /// A triangle or a segment with all digits.
 template <class T>
 std::string describe(const T* p) {
@@ -36,6 +28,13 @@ std::string describe(const T* p) {
     text.precision(17);
     text << ' ' << *p;
     return text.str();
+}
+
+template <class T>
+std::vector<T*> collect(const Kelm_2D& dt, void (Kelm_2D::*append)(std::vector<T*>&) const) {
+    std::vector<T*> v;
+    (dt.*append)(v);
+    return v;
 }
 
 using Mesh = std::vector<Triangle2*>;
@@ -62,23 +61,19 @@ ConstraintSegment2* find(const SegmentMap& mSegments, const VertexPair& pair) {
 
 /// What the lookups say about an edge, against the list of alive segments.
 bool isLookupWrong(const Kelm_2D& dt, Point2* a, Point2* b, const ConstraintSegment2* pAlive) {
-    return dt.isConstraint(a, b) != (pAlive != nullptr) || dt.isConstraint(b, a) != (pAlive != nullptr) ||
+    const bool bAlive = pAlive != nullptr;
+    return dt.isConstraint(a, b) != bAlive || dt.isConstraint(b, a) != bAlive ||
            dt.getConstraintSegment(a, b) != pAlive || dt.getConstraintSegment(b, a) != pAlive;
 }
 
 std::string findConstraintVertexFault(const Kelm_2D& dt, const std::vector<Point2*>& vVertices) {
-    Segments vAll;
-    dt.getAliveAndDeadConstraintSegments(vAll);
+    const Segments vAll = collect(dt, &Kelm_2D::getAliveAndDeadConstraintSegments);
     std::unordered_set<const Point2*> sEnds;
     for (const ConstraintSegment2* pSegment : vAll)
         sEnds.insert({pSegment->getSrc(), pSegment->getTrg()});
-    std::size_t numFound = 0;
-    for (Point2* pVtx : vVertices) {
-        const bool bEnd = sEnds.count(pVtx) != 0;
-        if (dt.isConstraint(pVtx) != bEnd) return "isConstraint of a vertex is wrong";
-        numFound += bEnd ? 1 : 0;
-    }
-    return numFound == sEnds.size() ? "" : "an end of a constraint segment that is no vertex";
+    for (Point2* pVtx : vVertices)
+        if (dt.isConstraint(pVtx) != (sEnds.erase(pVtx) != 0)) return "isConstraint of a vertex is wrong";
+    return sEnds.empty() ? "" : "an end of a constraint segment that is no vertex";
 }
 
 std::string findFaultBeforeTwoDimensional(const Kelm_2D& dt, std::vector<Point2*>& vVertices) {
@@ -102,7 +97,6 @@ std::string findVertexFault(const std::vector<Point2*>& vVertices, const Mesh& v
             sUsed.insert(pT->getCorner(i));
     if (sUsed.size() != vVertices.size()) return "vertices of the mesh and of the store differ in number";
     for (const Point2* pVtx : vVertices) {
-        if (sUsed.count(pVtx) == 0) return "a vertex that no triangle has";
         const Triangle2* pT = pVtx->getIncidentTriangle();
         if (sTriangles.count(pT) == 0 || !pT->hasVertex(pVtx)) return "a bad incident triangle";
     }
@@ -118,7 +112,7 @@ std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles, bool bE
         const Point2 &a = *pT->getCorner(0), &b = *pT->getCorner(1), &c = *pT->getCorner(2);
         if (exactOrientation(a, b, c) != 1) return "a triangle that is not counterclockwise:" + describe(pT);
         for (int i = 0; i < 3; ++i) {
-            Point2 *pSrc = pT->getCorner(next(i)), *pTrg = pT->getCorner(prev(i));
+            Point2 *pSrc = pT->getCorner(incIndexBy1(i)), *pTrg = pT->getCorner(incIndexBy2(i));
             const Triangle2* pN = pT->getOppositeTriangle(i);
             const ConstraintSegment2* pSegment = find(mAlive, pairOf(pSrc, pTrg));
             if (dt.isConstraint(pT, i) != (pSegment != nullptr) || isLookupWrong(dt, pSrc, pTrg, pSegment))
@@ -127,11 +121,11 @@ std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles, bool bE
                 if (!mHullNext.emplace(pSrc, pTrg).second) return "a vertex with two hull edges going out";
                 continue;
             }
-            int j = 0;
-            while (j < 3 && !(pN->getOppositeTriangle(j) == pT && pN->getCorner(next(j)) == pTrg &&
-                              pN->getCorner(prev(j)) == pSrc))
+            int j = 0; // of the edge there
+            while (j < 3 && (pN->getOppositeTriangle(j) != pT || pN->getCorner(incIndexBy1(j)) != pTrg))
                 ++j;
-            if (j == 3) return "a neighbour that does not share the edge:" + describe(pT);
+            if (j == 3 || pN->getCorner(incIndexBy2(j)) != pSrc)
+                return "a neighbour that does not share the edge:" + describe(pT);
             if (bEmptyCircles && pSegment == nullptr && pT < pN &&
                 exactInCircle(a, b, c, *pN->getCorner(j)) > 0)
                 return "a circle that is not empty:" + describe(pT) + " and" + describe(pN);
@@ -161,8 +155,24 @@ std::string findHullFault(const std::unordered_map<const Point2*, const Point2*>
     return "";
 }
 
+/// A segment and the end at which a walk enters it.
+using Step = std::pair<ConstraintSegment2*, const Point2*>;
+
+const Point2* otherEnd(const Step& step) {
+    return step.first->getSrc() == step.second ? step.first->getTrg() : step.first->getSrc();
+}
+
 bool joins(const ConstraintSegment2* pSegment, const Point2* a, const Point2* b) {
-    return VertexPair(pSegment->getSrc(), pSegment->getTrg()) == pairOf(a, b);
+    return pSegment != nullptr && VertexPair(pSegment->getSrc(), pSegment->getTrg()) == pairOf(a, b);
+}
+
+/// The children of a dead segment in the order of the walk: the second is entered where they meet.
+std::pair<Step, Step> childrenOf(const Step& step) {
+    ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
+    Point2* pSplit = nullptr;
+    step.first->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
+    if (!joins(pKid0, step.second, pSplit)) std::swap(pKid0, pKid1);
+    return {{pKid0, step.second}, {pKid1, pSplit}};
 }
 
 /// A crossing is rounded to doubles, which moves it by less than one unit in the last place of each
@@ -171,11 +181,9 @@ bool joins(const ConstraintSegment2* pSegment, const Point2* a, const Point2* b)
 /// are measured against, so that the deviations from an original add up.
 bool isNear(const Point2& s, const Point2& a, const Point2& b) {
     const double dx = b.x() - a.x(), dy = b.y() - a.y(), sx = s.x() - a.x(), sy = s.y() - a.y();
-    const double length = std::hypot(dx, dy);
-    const double along = dx / length * sx + dy / length * sy;
-    const double distance = along < 0        ? std::hypot(sx, sy)
-                            : along > length ? std::hypot(s.x() - b.x(), s.y() - b.y())
-                                             : std::fabs(dx / length * sy - dy / length * sx);
+    const double length = std::hypot(dx, dy), ex = dx / length, ey = dy / length;
+    const double along = std::clamp(ex * sx + ey * sy, 0.0, length);
+    const double distance = std::hypot(sx - along * ex, sy - along * ey);
     const double magnitude = std::max({a.getMaxAbs(), b.getMaxAbs(), s.getMaxAbs()});
     return distance <= 1.000001e-6 + std::ldexp(magnitude, -49);
 }
@@ -188,37 +196,23 @@ std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const Segm
         if (isLookupWrong(dt, p0, p1, pSegment->isAlive() ? pSegment : nullptr))
             return "a wrong answer about a segment:" + describe(pSegment);
         if (pSegment->isAlive()) continue;
-        ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
-        Point2* pSplit = nullptr;
-        pSegment->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
-        if (pKid0 == nullptr || pKid1 == nullptr || pSplit == nullptr || pSplit == p0 || pSplit == p1 ||
-            !((joins(pKid0, p0, pSplit) && joins(pKid1, pSplit, p1)) ||
-              (joins(pKid1, p0, pSplit) && joins(pKid0, pSplit, p1))))
+        const auto [kid0, kid1] = childrenOf({pSegment, p0});
+        const Point2* pSplit = kid1.second;
+        if (pSplit == p0 || pSplit == p1 || !joins(kid0.first, p0, pSplit) || !joins(kid1.first, pSplit, p1))
             return "a dead segment without two children that join its ends:" + describe(pSegment);
-        if (find(mAll, {pKid0->getSrc(), pKid0->getTrg()}) != pKid0 ||
-            find(mAll, {pKid1->getSrc(), pKid1->getTrg()}) != pKid1)
-            return "a child that is not listed:" + describe(pSegment);
+        for (const Step& kid : {kid0, kid1})
+            if (find(mAll, {kid.first->getSrc(), kid.first->getTrg()}) != kid.first)
+                return "a child that is not listed:" + describe(pSegment);
     }
     return "";
 }
 
 std::string findEdgeFault(const Kelm_2D& dt, const Segments& vAlive) {
-    std::vector<VertexPair> vEdges;
+    SegmentMap mMissing = mapByEnds(vAlive);
     for (const Triangle2* pT : allTriangles(dt))
         for (int i = 0; i < 3; ++i)
-            vEdges.push_back(pairOf(pT->getCorner(i), pT->getCorner(next(i))));
-    std::sort(vEdges.begin(), vEdges.end());
-    for (const ConstraintSegment2* pSegment : vAlive)
-        if (!std::binary_search(vEdges.begin(), vEdges.end(), pairOf(pSegment->getSrc(), pSegment->getTrg())))
-            return "an alive segment that is no edge:" + describe(pSegment);
-    return "";
-}
-
-/// A segment and the end at which a walk enters it.
-using Step = std::pair<ConstraintSegment2*, const Point2*>;
-
-const Point2* otherEnd(const Step& step) {
-    return step.first->getSrc() == step.second ? step.first->getTrg() : step.first->getSrc();
+            mMissing.erase(pairOf(pT->getCorner(i), pT->getCorner(incIndexBy1(i))));
+    return mMissing.empty() ? "" : "an alive segment that is no edge:" + describe(mMissing.begin()->second);
 }
 
 /// Appends all segments of the split tree below, in the order of the walk, a parent before its children. The
@@ -233,12 +227,9 @@ bool walk(const Step& root, std::size_t numSegments, std::vector<Step>& vSteps) 
         if (depth > numSegments) return false;
         vSteps.push_back(step);
         if (step.first->isAlive()) continue;
-        ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
-        Point2* pSplit = nullptr;
-        step.first->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
-        if (!joins(pKid0, step.second, pSplit)) std::swap(pKid0, pKid1);
-        vStack.push_back({{pKid1, pSplit}, depth + 1});
-        vStack.push_back({{pKid0, step.second}, depth + 1});
+        const auto [kid0, kid1] = childrenOf(step);
+        vStack.push_back({kid1, depth + 1});
+        vStack.push_back({kid0, depth + 1});
     }
     return true;
 }
@@ -308,15 +299,14 @@ std::string findGraphFault(const ConstraintGraph2& graph, const std::vector<Step
     // A graph runs as given, or like its segments if directions mean nothing, or around a polygon.
     const std::map<ConstraintSegment2*, const Point2*> mGiven(vInput.begin(), vInput.end());
     std::vector<Step> vPlain, vRing;
-    for (ConstraintSegment2* pSegment : vOriginals) {
+    for (ConstraintSegment2* pSegment : vOriginals)
         vPlain.push_back({pSegment, graph.isOriented() ? mGiven.at(pSegment) : pSegment->getSrc()});
-        const bool bSrcBefore = !vRing.empty() && pSegment->getSrc() == otherEnd(vRing.back());
-        const bool bSrcAfter =
-            vRing.empty() && vOriginals.size() > 1 &&
-            (vOriginals[1]->getSrc() == pSegment->getTrg() || vOriginals[1]->getTrg() == pSegment->getTrg());
-        vRing.push_back({pSegment, bSrcBefore || bSrcAfter ? pSegment->getSrc() : pSegment->getTrg()});
-        if (graph.isPolygon() && vRing.size() > 1 && otherEnd(vRing[vRing.size() - 2]) != vRing.back().second)
-            return "a polygon that is no ring";
+    for (std::size_t i = 0; graph.isPolygon() && i < vOriginals.size(); ++i) {
+        ConstraintSegment2 *pSegment = vOriginals[i], *pNext = vOriginals[(i + 1) % vOriginals.size()];
+        const bool bBack = pSegment->getSrc() == pNext->getSrc() || pSegment->getSrc() == pNext->getTrg();
+        vRing.push_back({pSegment, bBack ? pSegment->getTrg() : pSegment->getSrc()});
+        const Point2* pEnd = otherEnd(vRing.back());
+        if (pEnd != pNext->getSrc() && pEnd != pNext->getTrg()) return "a polygon that is no ring";
     }
     const std::string fault = findOrderFault(graph, vPlain, numSegments);
     return fault.empty() || !graph.isPolygon() ? fault : findOrderFault(graph, vRing, numSegments);
@@ -340,21 +330,15 @@ bool isExactInDoubles(std::initializer_list<const Point2*> v, double permanent) 
 } // namespace
 
 std::vector<Triangle2*> allTriangles(const Kelm_2D& dt) {
-    Mesh v;
-    dt.getTrianglePointers(v);
-    return v;
+    return collect(dt, &Kelm_2D::getTrianglePointers);
 }
 
 std::vector<Point2*> allVertices(const Kelm_2D& dt) {
-    std::vector<Point2*> v;
-    dt.getVertexPointers(v);
-    return v;
+    return collect(dt, &Kelm_2D::getVertexPointers);
 }
 
 std::vector<ConstraintSegment2*> aliveSegments(const Kelm_2D& dt) {
-    Segments v;
-    dt.getAliveConstraintSegments(v);
-    return v;
+    return collect(dt, &Kelm_2D::getAliveConstraintSegments);
 }
 
 int exactOrientation(const Point2& a, const Point2& b, const Point2& c) {
@@ -371,8 +355,8 @@ int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point
     double det = 0.0, permanent = 0.0;
     for (int i = 0; i < 3; ++i) {
         const double x = aCorner[i]->x() - d.x(), y = aCorner[i]->y() - d.y();
-        const double x1 = aCorner[next(i)]->x() - d.x(), y1 = aCorner[next(i)]->y() - d.y();
-        const double x2 = aCorner[prev(i)]->x() - d.x(), y2 = aCorner[prev(i)]->y() - d.y();
+        const double x1 = aCorner[incIndexBy1(i)]->x() - d.x(), y1 = aCorner[incIndexBy1(i)]->y() - d.y();
+        const double x2 = aCorner[incIndexBy2(i)]->x() - d.x(), y2 = aCorner[incIndexBy2(i)]->y() - d.y();
         det += (x * x + y * y) * (x1 * y2 - x2 * y1);
         permanent += (x * x + y * y) * (std::fabs(x1 * y2) + std::fabs(x2 * y1));
     }
@@ -386,7 +370,7 @@ int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point
     }
     mpq_class sum = 0;
     for (int i = 0; i < 3; ++i)
-        sum += lift[i] * (x[next(i)] * y[prev(i)] - x[prev(i)] * y[next(i)]);
+        sum += lift[i] * (x[incIndexBy1(i)] * y[incIndexBy2(i)] - x[incIndexBy2(i)] * y[incIndexBy1(i)]);
     return sgn(sum);
 }
 
@@ -410,8 +394,8 @@ std::string findMeshFault(const Kelm_2D& dt, bool bEmptyCircles) {
 std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& vSegments,
                                 const ConstraintGraph2* pGraph, bool bMayWait) {
     const Segments vAlive = aliveSegments(dt);
-    Segments vAll, vExpected;
-    dt.getAliveAndDeadConstraintSegments(vAll);
+    const Segments vAll = collect(dt, &Kelm_2D::getAliveAndDeadConstraintSegments);
+    Segments vExpected;
     const auto isNotBefore = [](const auto* a, const auto* b) { return !(*a < *b); };
     if (std::adjacent_find(vAll.begin(), vAll.end(), isNotBefore) != vAll.end())
         return "segments out of order or twice";
@@ -437,11 +421,8 @@ std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& 
         vInput.push_back({pRoot, pSrc});
         if (!walk(vInput.back(), vAll.size(), vSteps)) return "a segment that is a piece of itself";
         for (const Step& step : vSteps) {
-            ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
-            Point2* pSplit = nullptr;
             if (step.first->isAlive()) continue;
-            step.first->getChildrenAndSplitPoint(pKid0, pKid1, pSplit);
-            if (!isNear(*pSplit, *step.second, *otherEnd(step)))
+            if (!isNear(*childrenOf(step).second.second, *step.second, *otherEnd(step)))
                 return "a split far from the segment:" + describe(step.first);
         }
     }

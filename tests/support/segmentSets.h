@@ -14,22 +14,18 @@ namespace QUOR_KELM25D {
 namespace testing_support {
 
 struct SegmentSet {
+    std::string name;                           // of its family
     std::vector<Point2> points;                 // vertices besides the ends
     std::vector<std::vector<Segment2>> batches; // each for one createConstraint call
     ConstraintInsertionStrategy strategy = CIS_CONSTRAINED_DELAUNAY;
 };
 
-/// One kind of difficulty, as sets of some 5 to 60 segments.
-struct SegmentFamily {
-    const char* name;
-    SegmentSet (*make)(std::uint64_t seed);
-};
-const std::vector<SegmentFamily>& segmentFamilies();
+/// Some 5 to 60 segments of each family: one kind of difficulty alone, in another scale, or mixed with
+/// another.
+std::vector<SegmentSet> makeAllFamilies(std::uint64_t seed);
 
-/// n segments of about the given length in the unit square.
-SegmentSet makeCrossingSegments(std::size_t n, double length, std::uint64_t seed);
-/// n segments with integer ends from 0 to side, so that most crossings are degenerate.
-SegmentSet makeLatticeSegments(std::size_t n, int side, std::uint64_t seed);
+/// n segments in the unit square, or with integer ends up to the side, so that most crossings are degenerate.
+SegmentSet makeManySegments(std::size_t n, int side, std::uint64_t seed);
 
 /// Inserts a set in one of numVariants ways: points before, after or between the segments, in bulk or one by
 /// one, segments with or without directions, and with or without splits and removals at the end. Mesh and

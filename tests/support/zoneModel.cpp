@@ -3,69 +3,45 @@
 #include "zoneModel.h"
 
 #include "Dt2.h"
+#include "MeshChecker.h"
 
 #include <kelm25d/ConstraintSegment2.h>
-#include <kelm25d/VertexPair2.h>
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <map>
 
 namespace QUOR_KELM25D {
 namespace testing_support {
 
 namespace {
 
-/// The number of the part of each triangle, where the pieces of the graphs divide.
-std::map<Triangle2*, int> findParts(const Kelm_2D& dt, const std::vector<const ConstraintGraph2*>& vGraphs) {
-    std::set<VertexPair2> sBlocked;
-    for (const ConstraintGraph2* pGraph : vGraphs) {
-        std::vector<ConstraintSegment2*> vPieces;
-        if (pGraph != nullptr) pGraph->getChildConstraintSegments(vPieces);
-        for (const ConstraintSegment2* pPiece : vPieces)
-            sBlocked.emplace(pPiece->getSrc(), pPiece->getTrg());
-    }
-    Triangles vAll;
-    dt.getTrianglePointers(vAll);
-    std::map<Triangle2*, int> mPart;
-    for (Triangle2* pSeed : vAll) {
-        if (mPart.count(pSeed) != 0) continue;
-        const int part = static_cast<int>(mPart.size());
-        Triangles vStack = {pSeed};
-        while (!vStack.empty()) {
-            Triangle2* pT = vStack.back();
-            vStack.pop_back();
-            if (!mPart.emplace(pT, part).second) continue;
-            for (int i = 0; i < 3; ++i) {
-                const Edge2 edge(pT, i);
-                Triangle2* pN = pT->getOppositeTriangle(i);
-                if (pN != nullptr && sBlocked.count(VertexPair2(edge.getSrc(), edge.getTrg())) == 0)
-                    vStack.push_back(pN);
-            }
-        }
-    }
-    return mPart;
-}
+using Sides = std::set<std::pair<const Point2*, const Point2*>>;
 
 /// The directed edges that a graph runs along; inside only those that it runs along once.
-std::set<std::pair<const Point2*, const Point2*>> findSides(const ConstraintGraph2& graph, bool bInside) {
+Sides findSides(const ConstraintGraph2& graph, bool bInside) {
     std::vector<Point2*> vEnds;
     graph.getPolygonVertices(vEnds);
     std::map<VertexPair2, int> mCount;
     for (std::size_t i = 0; i < vEnds.size(); i += 2)
         ++mCount[VertexPair2(vEnds[i], vEnds[i + 1])];
-    std::set<std::pair<const Point2*, const Point2*>> sSides;
+    Sides sSides;
     for (std::size_t i = 0; i < vEnds.size(); i += 2) {
-        if (!bInside)
-            sSides.emplace(vEnds[i + 1], vEnds[i]);
-        else if (mCount[VertexPair2(vEnds[i], vEnds[i + 1])] == 1)
+        if (!bInside) sSides.emplace(vEnds[i + 1], vEnds[i]);
+        if (bInside && mCount[VertexPair2(vEnds[i], vEnds[i + 1])] == 1)
             sSides.emplace(vEnds[i], vEnds[i + 1]);
     }
     return sSides;
 }
 
 } // namespace
+
+std::vector<Segment2> ringOf(const std::vector<Point2>& vCorners) {
+    std::vector<Segment2> vRing;
+    for (std::size_t i = 0; i < vCorners.size(); ++i)
+        vRing.emplace_back(vCorners[i], vCorners[(i + 1) % vCorners.size()]);
+    return vRing;
+}
 
 Triangles trianglesOf(const Zone2& zone) {
     Triangles v;
@@ -80,6 +56,29 @@ std::set<Edge2> borderOf(const Triangles& vTriangles) {
         for (int i = 0; i < 3; ++i)
             if (s.count(pT->getOppositeTriangle(i)) == 0) sBorder.emplace(pT, i);
     return sBorder;
+}
+
+std::map<Triangle2*, std::size_t> partsOf(const Triangles& vTriangles,
+                                          const std::set<VertexPair2>& sBlocked) {
+    const std::set<Triangle2*> s(vTriangles.begin(), vTriangles.end());
+    std::map<Triangle2*, std::size_t> mPart;
+    std::size_t numParts = 0;
+    for (Triangle2* pSeed : s) {
+        if (mPart.count(pSeed) != 0) continue;
+        for (Triangles vStack = {pSeed}; !vStack.empty();) {
+            Triangle2* pT = vStack.back();
+            vStack.pop_back();
+            if (!mPart.emplace(pT, numParts).second) continue;
+            for (int i = 0; i < 3; ++i) {
+                const Edge2 edge(pT, i);
+                Triangle2* pN = pT->getOppositeTriangle(i);
+                if (s.count(pN) != 0 && sBlocked.count(VertexPair2(edge.getSrc(), edge.getTrg())) == 0)
+                    vStack.push_back(pN);
+            }
+        }
+        ++numParts;
+    }
+    return mPart;
 }
 
 TriangleMultiset ZoneModel::getTriangles(Kelm_2D& dt) const {
@@ -97,15 +96,22 @@ TriangleMultiset ZoneModel::getTriangles(Kelm_2D& dt) const {
             std::set_symmetric_difference(a.begin(), a.end(), b.begin(), b.end(), out);
         return s;
     }
-    const std::map<Triangle2*, int> mPart = findParts(dt, vGraphs);
-    std::multiset<int> sChosen;
+    std::set<VertexPair2> sBlocked;
+    for (const ConstraintGraph2* pGraph : vGraphs) {
+        std::vector<ConstraintSegment2*> vPieces;
+        if (pGraph != nullptr) pGraph->getChildConstraintSegments(vPieces);
+        for (const ConstraintSegment2* pPiece : vPieces)
+            sBlocked.emplace(pPiece->getSrc(), pPiece->getTrg());
+    }
+    const auto mPart = partsOf(allTriangles(dt), sBlocked);
+    std::multiset<std::size_t> sChosen;
     for (const Point2& startPoint : vStartPoints)
         if (Triangle2* pT = dt.getImpl()->getMesh().locateUniquely(startPoint)) sChosen.insert(mPart.at(pT));
     if (location != ZL_GROW) {
-        std::set<std::pair<const Point2*, const Point2*>> sSides;
+        Sides sSides;
         for (const ConstraintGraph2* pGraph : vGraphs)
             if (pGraph != nullptr) sSides.merge(findSides(*pGraph, location != ZL_OUTSIDE));
-        std::set<int> sTouched;
+        std::set<std::size_t> sTouched;
         for (const auto& entry : mPart)
             for (int i = 0; i < 3; ++i) {
                 const Edge2 edge(entry.first, i);

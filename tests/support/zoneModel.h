@@ -4,8 +4,11 @@
 
 #include <kelm25d/ConstraintGraph2.h>
 #include <kelm25d/Kelm_2D.h>
+#include <kelm25d/Segment2.h>
+#include <kelm25d/VertexPair2.h>
 #include <kelm25d/Zone2.h>
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -16,10 +19,14 @@ namespace testing_support {
 using Triangles = std::vector<Triangle2*>;
 using TriangleMultiset = std::multiset<Triangle2*>;
 
+/// The closed ring through the points, in their order.
+std::vector<Segment2> ringOf(const std::vector<Point2>& vCorners);
 /// The triangles of a zone now.
 Triangles trianglesOf(const Zone2& zone);
 /// Those without a neighbour in the set, or outside of it, as edges.
 std::set<Edge2> borderOf(const Triangles& vTriangles);
+/// The connected parts of a set, which the given edges divide: numbers from 0 in order of address.
+std::map<Triangle2*, std::size_t> partsOf(const Triangles& vTriangles, const std::set<VertexPair2>& sBlocked);
 
 struct ZoneModel {
     Zone2* pZone = nullptr;
