@@ -240,34 +240,6 @@ TEST(ConstraintGraph, RandomBentSegmentsKnowTheirOwnersAndBecomeDelaunayEdges) {
     }
 }
 
-TEST(ConstraintSegment, MisuseFailsChecksAndChangesNothing) {
-    ScratchDirectory scratch;
-    Frame frame("c");
-    const ConstraintGraph2 *pGraph = frame.make("ae"), *pOther = frame.make("pq");
-    ConstraintSegment2 *pDead = originals(*pGraph)[0], *pHalf = frame.get("ac"), *pForeign = frame.get("pq");
-    ConstraintSegment2 *pKid0 = pDead, *pKid1 = pHalf;
-    Point2 *pQ = frame.at('q'), *pSplit = pHalf->insertAndSplit({1, 0, 0});
-    Segments v;
-    const std::pair<const char*, std::function<void()>> aCase[] = {
-        {"pSplit!=0", [&] { pForeign->split_combinatorialOnly(nullptr); }},
-        {"isAlive()", [&] { pDead->split_combinatorialOnly(pQ); }},
-        {"p0!=pSplit && p1!=pSplit", [&] { pForeign->split_combinatorialOnly(pQ); }},
-        {"vChildren.empty()", [&] { pDead->insertAndSplit(place('d')); }},
-        {"bAlive", [&] { pHalf->insertAndSplit(place('b')); }},
-        {"vChildren.size()==2", [&] { pForeign->getChildrenRec(v); }},
-        {"q_it!=mCSegReverse.end()", [&] { pGraph->isReverse(pForeign); }}};
-    CoutCapture output;
-    for (const auto& [condition, call] : aCase) {
-        EXPECT_THROW(call(), KelmException) << condition;
-        EXPECT_TRUE(output.printed(std::string("ERROR: Condition [ ") + condition + " failed ]\n"));
-    }
-    EXPECT_FALSE(pOther->isConstraint(pSplit, frame.at('a')) || pGraph->isConstraint(pForeign));
-    pForeign->getChildrenAndSplitPoint(pKid0, pKid1, pSplit); // which is alive
-    EXPECT_TRUE(output.printed("2::getChildrenAndSplitPoint(), WARNING: *this is still alive!\n"));
-    EXPECT_TRUE(pKid0 == pDead && pKid1 == pHalf && pSplit->x() == 1);
-    EXPECT_EQ("a. .c ce", path(*pGraph));
-}
-
 TEST(ConstraintSegment, PrintsLabelAddressesStateEndsAndLength) {
     Frame frame;
     ConstraintSegment2* pCSeg = originals(*frame.make("ae"))[0];

@@ -5,7 +5,6 @@
 
 #include "centerWithShift.h"
 
-#include <chrono>
 #include <regex>
 
 namespace {
@@ -187,43 +186,6 @@ TEST(ConstraintInsertion, LaterPointsDivideConstraintsAndOnlyOthersCanBeRemovedA
     }
 }
 
-TEST(ConstraintInsertion, BadInputGivesItsMessageAndChangesNothing) {
-    const Segment2 point({1, 2, 3}, {1, 2, 4}), good({0, 0, 0}, {5, 5, 0});
-    const Segment2 nan({0, 0, 0}, {std::nan(""), 0, 0}), inf({0, -HUGE_VAL, 0}, {1, 0, 0});
-    const char* skipped = "ConstraingMgr::createConstraint, WARNING: (0) Identical source and endpoint, a "
-                          "constraint segment has been skipped.\n";
-    const char* notFinite = "ERROR: a coordinate is not finite, none of the points is inserted\n";
-    const struct {
-        std::vector<Segment2> v;
-        int cis, numSegments; // -1: no graph
-        bool bOriented;
-        std::string text;
-    } aCase[] = {
-        {{}, 1, -1, false, "createConstraint(), WARNING: You have not supplied any segments. Returning"},
-        {{point}, 1, 0, false, skipped},
-        {{good, point}, 1, 1, false, skipped},
-        {{good, point}, 1, 1, true, ""},
-        {{good, nan}, 1, -1, false, notFinite},
-        {{inf, good}, 0, -1, true, notFinite},
-        {{good}, 3, 1, false, "ConstraintMgr::apply(), ERROR: Unknown CIS\n"}};
-    for (const auto& c : aCase) {
-        CoutCapture capture;
-        Kelm_2D dt;
-        dt.insert(frame);
-        const auto cis = static_cast<ConstraintInsertionStrategy>(c.cis);
-        EXPECT_EQ(c.numSegments < 0, dt.createConstraint(c.v, cis, c.bOriented) == nullptr);
-        const std::string printed = capture.take();
-        EXPECT_TRUE(c.text.empty() ? printed.empty() : has(printed, c.text)) << printed;
-        EXPECT_EQ(std::max(0, c.numSegments), static_cast<int>(aliveSegments(dt).size())) << c.text;
-        EXPECT_EQ(c.numSegments < 0, dt.numberOfPoints() == 4) << c.text;
-        ASSERT_VALID_MESH(dt);
-    }
-    CoutCapture capture;
-    EXPECT_EQ(nullptr, Kelm_2D().getImpl()->getConstraintMgr().createUserConstraint(
-                           {}, CIS_CONSTRAINED_DELAUNAY, false));
-    EXPECT_TRUE(capture.printed("Dt2::createConstraint(..), WARNING: vSegments is empty, returning NULL\n"));
-}
-
 TEST(ConstraintApply, GoesOnAfterARoundThatOnlyDividedAnotherSegment) {
     Kelm_2D dt(100); // one block of storage: addresses rise
     for (const double y : {0.0, 5.0})
@@ -350,30 +312,4 @@ TEST(CenterWithShift, TheLineRunsBetweenTheResultAndTheNextDouble) {
         };
         EXPECT_TRUE(side == 0 || isBetween(HUGE_VAL) || isBetween(-HUGE_VAL)) << i;
     }
-}
-
-TEST(ConstraintSpeed, HubsAndCorridorsTakeLinearTime) {
-    constexpr int n = 40000;
-    std::vector<Point2> vRing, vValley{{-1000, 0, 0}, {1000, 0, 0}, {0.5, -1, 0}};
-    std::vector<Segment2> vSpokes;
-    for (int i = 0; i < n; ++i) {
-        const double angle = i * 2 * 3.14159265358979 / n, t = static_cast<double>(i) / n - 0.5;
-        vRing.emplace_back(std::cos(angle), std::sin(angle), 0);
-        vSpokes.push_back({vRing.back(), {0, 0, 0}});
-        vValley.emplace_back(t, 0.1 + t * t, 0);
-    }
-    const auto start = std::chrono::steady_clock::now();
-    for (const ConstraintInsertionStrategy cis : aStrategy) {
-        Kelm_2D dt;
-        dt.insert(vRing);
-        dt.insert({0, 0, 0}); // the hub has the highest address
-        dt.createConstraint(vSpokes, cis);
-        dt.applyConstraintsAndZones();
-    }
-    Kelm_2D dt;
-    dt.insert(vValley);
-    dt.createConstraint({{vValley[0], vValley[1]}}, CIS_CONSTRAINED_DELAUNAY);
-    // A fraction of a second, where quadratic costs add up to half a minute.
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-    ASSERT_VALID_MESH(dt);
 }

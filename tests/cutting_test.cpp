@@ -138,23 +138,6 @@ TEST(Cutting, KnivesThatMeetConstraintsAndScalesFarFromOne) {
     }
 }
 
-TEST(Cutting, RefusalsSayWhatIsWrong) {
-    Kelm_2D flat, dt;
-    dt.insert({{0, 0, 0}, {9, 0, 0}, {0, 9, 0}});
-    CoutCapture capture;
-    flat.cutTriangles({0, 0, 0}, {1, 1, 0}, true);
-    EXPECT_TRUE(capture.printed(
-        "Dt2::CUTT_cutTriangles(..), WARNING: The triangulation is not 2D yet, nothing to do"));
-    dt.cutTriangles({1, 1, 0}, {1, 1, 5}, true);
-    EXPECT_TRUE(capture.printed(
-        "Dt2::CUTT_cutTriangles(..), WARNING: No or only degenerate segments, nothing to do"));
-    dt.cutTriangles({1, 1, 0}, {1, std::nan(""), 5}, true);
-    EXPECT_TRUE(capture.printed("Dt2::CUTT_cutTriangles(..), ERROR: a coordinate is not finite"));
-    dt.cutTriangles(Knives(), true);
-    EXPECT_EQ("", capture.take());
-    EXPECT_EQ(3u, dt.numberOfPoints());
-}
-
 // The cookie is what lies within the polygon and within the hull as it was.
 TEST(Cutting, CookieCutterLeavesTheRestOutside) {
     struct {

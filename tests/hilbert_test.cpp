@@ -38,11 +38,6 @@ TEST(HilbertKey, CurveVisitsNeighbouringCellsAndRefinesItself) {
                       HC2(0, 0, 1e5, 1e5, numBits).getIdx(p));
         }
     }
-    for (unsigned numBits : {29U, 34U}) {
-        CoutCapture capture;
-        const HC2 bad(0, 0, 1, 1, numBits);
-        EXPECT_TRUE(capture.printed("HC2::HC2(..), ERROR: invalid bitlength"));
-    }
 }
 
 TEST(HilbertSort, OneAndFourPartsSortKeysAndEntries) {

@@ -1,5 +1,5 @@
 // Points inserted one by one: every kind of data, flips and the walk.
-// Many points at once are in bulk_test.cpp.
+// Many points at once are in bulk_test.cpp, long lines in scaling_test.cpp.
 #include "testing.h"
 
 TEST(SingleInsertion, MeshIsValidAfterEachPointOfEachKindInEachOrder) {
@@ -67,39 +67,16 @@ TEST(Walk, EndsAtTheRightPlaceEvenAfterManySteps) {
             const Point2 q(1.1 * sx * b.x() + (1 - sx) * a.x(), sy * b.y() + (1 - sy) * a.y(), 0);
             const Location found = dt.getImpl()->getMesh().locateFrom(&q, pick(vTriangles));
             const auto& c = found.pT->getCorners();
-            const bool bAtCorner = found.kind == Location::AT_CORNER;
+            const bool bAtCorner = found.kind == Location::AT_CORNER,
+                       bOutside = found.kind == Location::OUTSIDE;
             ASSERT_TRUE(bAtCorner ? *c[found.idx] == q : *c[0] != q && *c[1] != q && *c[2] != q);
             ASSERT_EQ(found.kind == Location::INSIDE, found.idx == -1);
-            const bool bOutside = found.kind == Location::OUTSIDE;
             for (int k = 0; k < 3 && !bAtCorner; ++k) {
                 const int side = exactOrientation(*c[(k + 1) % 3], *c[(k + 2) % 3], q);
                 ASSERT_TRUE(bOutside || (k == found.idx ? side == 0 : side > 0));
                 ASSERT_TRUE(!bOutside || k != found.idx ||
                             (found.pT->getOppositeTriangle(k) == nullptr && side <= 0));
             }
-        }
-    }
-}
-
-TEST(SingleInsertion, LongLineThatWaitedInRandomOrderEntersInShortWalks) {
-    // Each walk over the fan of the line would be as long as the line: hours, but for the order.
-    std::vector<Point2> v;
-    for (int i = 0; i < 100000; ++i)
-        v.emplace_back(i, 0.0, 0.0);
-    std::shuffle(v.begin(), v.end(), std::mt19937_64(3));
-    for (const double height : {1e9, 1.0, 1e13}) { // far off, the points of the line share one key
-        for (const bool bBulkAtLast : {false, true}) {
-            Kelm_2D dt;
-            for (const Point2& p : v)
-                dt.insert(p);
-            ASSERT_FALSE(dt.is2D());
-            if (bBulkAtLast) {
-                dt.insert(std::vector<Point2>{{5.0, height, 0.0}, {7.0, 0.0, 0.0}, {6.0, height, 0.0}});
-            } else {
-                dt.insert(Point2(5.0, height, 0.0));
-            }
-            ASSERT_EQ(v.size() + (bBulkAtLast ? 2 : 1), dt.numberOfPoints());
-            ASSERT_VALID_MESH(dt);
         }
     }
 }

@@ -104,13 +104,6 @@ TEST(Neighbours, AgreeWithTheListOfTriangles) {
                 ASSERT_TRUE(p == q || sExpected.count(q) != 0 || m.getAdjacentTriangle(p, q) == nullptr);
         }
     }
-    const ScratchDirectory directory; // failed checks are logged to a file
-    CoutCapture capture;
-    Point2 loose;
-    std::vector<Triangle2*> vFan;
-    EXPECT_THROW(Kelm_2D().getIncidentTriangles(&loose, vFan), KelmException);
-    for (Point2* pBad : {&loose, static_cast<Point2*>(nullptr)})
-        EXPECT_THROW(Kelm_2D().getAdjacentTriangle(&loose, pBad), KelmException);
 }
 
 TEST(ConvexHull, GoesOnceAroundAllVerticesFromTheLowerLeft) {
@@ -151,11 +144,6 @@ TEST(ConvexHull, GoesOnceAroundAllVerticesFromTheLowerLeft) {
         EXPECT_TRUE(box.getMinPoint() == m.computeBoundingBox().getMinPoint() &&
                     box.getMaxPoint() == m.computeBoundingBox().getMaxPoint());
     }
-    CoutCapture capture;
-    std::vector<Point2*> v(2);
-    Kelm_2D().getConvexHull(true, v);
-    EXPECT_TRUE(v.size() == 2 && capture.printed("Dt2::getConvexHull(), WARNING: is2D() is false, the "
-                                                 "triangulation is not full dimensional yet"));
 }
 
 TEST(Queries, SliversAlongARoundedLineKeepHeightsAndDrapedLinesInOrder) {

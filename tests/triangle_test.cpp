@@ -51,14 +51,6 @@ TEST(TriangleMeasures, EquallyLongEdgesGoToTheLowerIndex) {
     EXPECT_TRUE(OwnTriangle(low, p, q).getMinIndex() == 1 && OwnTriangle(p, q, low).getMinIndex() == 0);
 }
 
-TEST(TriangleArea, NaNIsReportedAndFailsTheCheck) {
-    CoutCapture capture, errors(std::cerr);
-    EXPECT_THROW(OwnTriangle({0, 0, 0}, {1, 0, NAN}, {0, 1, 0}).getArea25D(), KelmException);
-    const std::string text =
-        "Triangle2::computeArea(), WARNING: invalid value, no area for this triangle\n\n";
-    EXPECT_TRUE(capture.printed(text + "ownHalfCircf="));
-}
-
 TEST(TriangleOutput, OrientationCornersAndNeighboursAreWritten) {
     const std::pair<double, std::string> aCase[] = {{4, "6, area2.5D=6, CCW"},
                                                     {-4, "6, area2.5D=6, ATTENTION, CLOCKWISE CORNERS!"},

@@ -53,15 +53,3 @@ TEST(VertexVault, SearchesPassOverVerticesWithoutTriangleAndFindAllOthers) {
     for (const Point2* pVtx : own.vVertices)
         ASSERT_EQ(*pVtx, *own.vault.getVertexPointer(*pVtx));
 }
-
-TEST(VertexVault, RemovedVerticesLeaveTheIndexPastTheThreshold) {
-    OwnVault own;
-    own.addRandom(2701);
-    own.vault.sortIfNeeded(false);
-    own.vault.setFullDimensional(true);
-    for (int i = 0; i <= 1350; ++i) { // the last one is more than half of the sorted part
-        own.vault.deactivate(own.vVertices[i]);
-        own.vault.sortIfNeeded(true);
-        ASSERT_EQ(i < 1350 ? 2701U : 1350U, own.vault.size());
-    }
-}
