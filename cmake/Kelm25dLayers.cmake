@@ -9,7 +9,6 @@ set(KELM25D_LAYER_values
     include/kelm25d/Circle2.h
     include/kelm25d/Color.h
     include/kelm25d/ConstraintInsertionStrategy.h
-    include/kelm25d/ConstraintSegment2.h
     include/kelm25d/Edge2.h
     include/kelm25d/KelmException.h
     include/kelm25d/Label.h
@@ -113,6 +112,7 @@ set(KELM25D_LAYER_rings
 
 set(KELM25D_LAYER_constraints
     include/kelm25d/ConstraintGraph2.h
+    include/kelm25d/ConstraintSegment2.h
     dt2Library/ConstraintGraph2.cpp
     dt2Library/ConstraintMgr.cpp
     dt2Library/ConstraintMgr.h

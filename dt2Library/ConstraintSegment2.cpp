@@ -48,6 +48,12 @@ ConstraintMgr& ConstraintSegment2::getMgr() const noexcept {
     return sOwners.front().pGraph->mgr;
 }
 
+/// Switches the segment off for a while, and on again. A divided one stays dead.
+void ConstraintSegment2::setAlive(bool bAlive_) noexcept {
+    bAlive = bAlive_;
+    getMgr().getMesh().getSegmentTable().setAlive(p0, p1, isAlive());
+}
+
 void ConstraintSegment2::skipLabel() noexcept {
     ++nextLabel;
 }
@@ -140,6 +146,7 @@ bool ConstraintSegment2::divide(Point2* pSplit) {
     mgr.countDivision();
     aChild[0] = mgr.getSegment(p0, pSplit, cis);
     aChild[1] = mgr.getSegment(p1, pSplit, cis);
+    mgr.getMesh().getSegmentTable().setAlive(p0, p1, false);
     if (aChild[0]->sOwners.empty() && aChild[1]->sOwners.empty()) {
         // Two new pieces, as mostly: each owner runs along them as it does here.
         for (ConstraintSegment2* pChild : aChild) {
@@ -190,10 +197,10 @@ Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {
         printError("ConstraintSegment2::insertAndSplit()", runsBackText);
         return nullptr;
     }
-    bAlive = false; // the edge counts as none while the point enters, and may be divided or flipped
+    setAlive(false); // the edge counts as none while the point enters, and may be divided or flipped
     Point2* pSplit = mesh.insertPoint(point, p0->getIncidentTriangle());
     if (pSplit == nullptr || hasEnd(pSplit) || !divide(pSplit)) {
-        bAlive = true;
+        setAlive(true);
         return pSplit != nullptr && hasEnd(pSplit) ? pSplit : nullptr;
     }
     if (!mesh.is2D()) return pSplit;

@@ -7,6 +7,8 @@
 #include "Mesh2.h"
 #include "SegmentTable.h"
 
+#include <kelm25d/ConstraintSegment2.h>
+
 #include <algorithm>
 #include <functional>
 #include <utility>

@@ -20,6 +20,7 @@
 
 #include "ConstraintMgr.h"
 #include "Fan.h"
+#include "LeafWalk.h"
 #include "Mesh2.h"
 #include "centerWithShift.h"
 #include "messages.h"
@@ -106,13 +107,13 @@ bool SegmentInserter::divideAtCrossing(ConstraintSegment2* pCSeg, const Crossing
     const bool bSplitBoth = splitPoint != *pCSeg->getSrc() && splitPoint != *pCSeg->getTrg();
 
     // Both count as no constraint while the vertex enters: their edges may be divided or flipped.
-    pCrossingCSeg->markDead();
-    if (bSplitBoth) pCSeg->markDead();
+    pCrossingCSeg->setAlive(false);
+    if (bSplitBoth) pCSeg->setAlive(false);
     Point2* pSplit = insertCrossing(crossing);
-    pCrossingCSeg->markAlive();
+    pCrossingCSeg->setAlive(true);
     bool bOK = divide(pCrossingCSeg, pSplit);
     if (bSplitBoth) {
-        pCSeg->markAlive();
+        pCSeg->setAlive(true);
         bOK = divide(pCSeg, pSplit) && bOK;
     }
     return bOK;

@@ -3,8 +3,6 @@
 // in ConstraintSegment2.cpp.
 #pragma once
 
-#include "LeafWalk.h"
-
 #include <kelm25d/Edge2.h>
 #include <kelm25d/Point2.h>
 
@@ -13,6 +11,8 @@
 namespace QUOR_KELM25D {
 
 class ConstraintMgr;
+class ConstraintSegment2;
+class LeafWalk;
 class Mesh2;
 class QuorTest;
 class SegmentTable;

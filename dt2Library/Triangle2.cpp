@@ -9,7 +9,6 @@
 // trusted.
 #include <kelm25d/Triangle2.h>
 
-#include "cornerIndex.h"
 #include "measures.h"
 #include "messages.h"
 #include "sqDistance25D.h"
@@ -59,8 +58,8 @@ void Triangle2::reportMissingEdge(const Point2* pA, const Point2* pB) const {
 
 bool Triangle2::hasOnEdge(int i, const Point2& point) const {
     const Point2* pA = aCorner[i];
-    const Point2* pB = aCorner[next(i)];
-    const Point2* pC = aCorner[prev(i)];
+    const Point2* pB = aCorner[incIndexBy1(i)];
+    const Point2* pC = aCorner[incIndexBy2(i)];
     return getOrientation2(pB, pC, &point) == ORIENTATION2_COLLINEAR &&
            getOrientation2(pA, pB, &point) != ORIENTATION2_CW &&
            getOrientation2(pC, pA, &point) != ORIENTATION2_CW;
@@ -99,16 +98,16 @@ double Triangle2::computeArea(double l0, double l1, double l2) const {
 
 double Triangle2::getInteriorAngle2D(int i) const noexcept {
     const Point2& corner = *aCorner[i];
-    return angleInDegrees(flat(*aCorner[next(i)] - corner), flat(*aCorner[prev(i)] - corner));
+    return angleInDegrees(flat(*aCorner[incIndexBy1(i)] - corner), flat(*aCorner[incIndexBy2(i)] - corner));
 }
 
 double Triangle2::getInteriorAngle25D(int i) const noexcept {
     const Point2& corner = *aCorner[i];
-    return angleInDegrees(*aCorner[next(i)] - corner, *aCorner[prev(i)] - corner);
+    return angleInDegrees(*aCorner[incIndexBy1(i)] - corner, *aCorner[incIndexBy2(i)] - corner);
 }
 
 double Triangle2::getSquaredEdgeLength25D(int i) const {
-    return sqDistance25D(*aCorner[next(i)], *aCorner[prev(i)]);
+    return sqDistance25D(*aCorner[incIndexBy1(i)], *aCorner[incIndexBy2(i)]);
 }
 
 int Triangle2::getMaxIndex() const noexcept {
@@ -161,8 +160,8 @@ bool Triangle2::getCC_strategy1(double ox, double oy, Point2& cc) const noexcept
 
 void Triangle2::getCC_strategy2(int ici, double ox, double oy, Point2& cc) const {
     const Point2 apex = shifted(*aCorner[ici], ox, oy);
-    const Point2 end = shifted(*aCorner[next(ici)], ox, oy);
-    const Point2 otherEnd = shifted(*aCorner[prev(ici)], ox, oy);
+    const Point2 end = shifted(*aCorner[incIndexBy1(ici)], ox, oy);
+    const Point2 otherEnd = shifted(*aCorner[incIndexBy2(ici)], ox, oy);
     const Point2 middle((end.x() + otherEnd.x()) * 0.5, (end.y() + otherEnd.y()) * 0.5,
                         (end.z() + otherEnd.z()) * 0.5);
     const Vector2 edge = end - otherEnd;
@@ -197,8 +196,8 @@ void Triangle2::getCC_strategy2(int ici, double ox, double oy, Point2& cc) const
 
 bool Triangle2::isAccurateCC(int ici, const Point2& cc) const {
     const Point2* pCorner = aCorner[ici];
-    const Point2* pNext = aCorner[next(ici)];
-    const Point2* pPrev = aCorner[prev(ici)];
+    const Point2* pNext = aCorner[incIndexBy1(ici)];
+    const Point2* pPrev = aCorner[incIndexBy2(ici)];
     const double r0 = std::sqrt(sqDistance2D(cc, *pCorner));
     const double r1 = std::sqrt(sqDistance2D(cc, *pNext));
     const double r2 = std::sqrt(sqDistance2D(cc, *pPrev));
