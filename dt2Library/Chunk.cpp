@@ -5,6 +5,7 @@
 
 #include "Flood.h"
 #include "Mesh2.h"
+#include "measures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +17,6 @@ namespace {
 
 constexpr double circleEnlargement = 1.05; // of the radius, when asking what reaches the chunk's box
 constexpr double boxMargin = 0.01;         // of the extents, around the circles
-constexpr double wellConditioned = 1e-9;   // least ratio of the doubled area to the sum of its terms
 
 /// A circle that surely holds the corners of a triangle and very nearly is its circumcircle; infinite where
 /// the circumcircle can't be told.
@@ -43,8 +43,8 @@ Circle circleThrough(const Triangle2& t, double centerX, double centerY) noexcep
 Circle circumcircle(const Triangle2& t) noexcept {
     const Point2 &a = *t.getCorner(0), &b = *t.getCorner(1), &c = *t.getCorner(2);
     const double bx = b.x() - a.x(), by = b.y() - a.y(), cx = c.x() - a.x(), cy = c.y() - a.y();
-    const double t1 = bx * cy, t2 = by * cx, area = 2.0 * (t1 - t2);
-    if (!(area > wellConditioned * (std::fabs(t1) + std::fabs(t2)))) return Circle();
+    const double area = 2.0 * soundCrossProduct(bx, by, cx, cy);
+    if (area == 0.0) return Circle();
     const double sqB = bx * bx + by * by, sqC = cx * cx + cy * cy;
     return circleThrough(t, a.x() + (cy * sqB - by * sqC) / area, a.y() + (bx * sqC - cx * sqB) / area);
 }

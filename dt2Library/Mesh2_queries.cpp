@@ -19,7 +19,6 @@ namespace QUOR_KELM25D {
 namespace {
 
 constexpr double steepCosine = 0.08715574274765817; // of 85 degrees: a steeper triangle gets exact heights
-constexpr double wellConditioned = 1e-9;            // least ratio of the doubled area to the sum of its terms
 constexpr double heightSlack = 0.001;               // rounding beyond the corners' heights that is cut off
 
 /// The height at (x, y) of the plane through the corners; false where rounding would spoil it, since the
@@ -28,8 +27,8 @@ bool planeHeight(const Triangle2& t, double x, double y, double& height) noexcep
     const Point2 &p0 = *t.getCorner(0), &p1 = *t.getCorner(1), &p2 = *t.getCorner(2);
     const double ax = p1.x() - p0.x(), ay = p1.y() - p0.y(), az = p1.z() - p0.z();
     const double cx = p2.x() - p0.x(), cy = p2.y() - p0.y(), cz = p2.z() - p0.z();
-    const double t1 = ax * cy, t2 = cx * ay, d = t1 - t2;
-    if (!(d > wellConditioned * (std::fabs(t1) + std::fabs(t2)))) return false;
+    const double d = soundCrossProduct(ax, ay, cx, cy);
+    if (d == 0.0) return false;
     height = p0.z() + (ax * cz - cx * az) / d * (y - p0.y()) - (ay * cz - cy * az) / d * (x - p0.x());
     return true;
 }

@@ -1,4 +1,4 @@
-// Small measures that many files need: whether a place is one, distances in the plane, angles in degrees.
+// Small measures that many files need: whether a place is one, distances and areas in the plane, angles.
 // Squared lengths in space are in sqDistance25D.h, those of edges with Triangle2.
 #pragma once
 
@@ -8,6 +8,13 @@
 #include <cmath>
 
 namespace QUOR_KELM25D {
+
+/// ax by - ay bx, or 0.0 if that is not positive or mostly rounding. The two terms are known to 3 units of
+/// 2^-53 each: where they cancel to less than a billionth of their sum, only six digits are left.
+inline double soundCrossProduct(double ax, double ay, double bx, double by) noexcept {
+    const double t1 = ax * by, t2 = ay * bx, d = t1 - t2;
+    return d > 1e-9 * (std::fabs(t1) + std::fabs(t2)) ? d : 0.0;
+}
 
 /// Whether x and y are finite; the height is not looked at.
 inline bool isFinite(const Point2& p) noexcept {
