@@ -7,6 +7,18 @@
 
 namespace QUOR_KELM25D {
 
+namespace {
+
+/// Of several vertices at one place the one that stays, as far as is known.
+struct Staying {
+    Point2* pVtx = nullptr;
+    std::size_t position = 0;
+    bool isFree() const noexcept { return pVtx == nullptr; }
+    std::uint64_t getHash() const noexcept { return hashOfPlace(pVtx->x(), pVtx->y()); }
+};
+
+} // namespace
+
 std::size_t WaitingVertices::PlaceHash::operator()(const Place& place) const noexcept {
     return standardHash(hashOfPlace(place.first, place.second));
 }
@@ -48,15 +60,18 @@ bool WaitingVertices::getFirstTriple(Point2*& a, Point2*& b, Point2*& c) {
 std::vector<WaitingVertices::Duplicate>
 WaitingVertices::findDuplicates(bool (*mustStay)(const Point2&)) const {
     std::vector<Duplicate> vDuplicates;
-    PlaceMap<std::size_t> mFirst; // positions
+    HashTable<Staying> staying(vEntries.size());
     for (std::size_t i = 0; i < vEntries.size(); ++i) {
         if (!vEntries[i].bActive) continue;
-        const auto inserted = mFirst.emplace(placeOf(*vEntries[i].pVtx), i);
-        if (inserted.second) continue;
-        std::size_t& first = inserted.first->second;
-        std::size_t redundant = i;
-        if (mustStay(*vEntries[i].pVtx)) std::swap(first, redundant);
-        vDuplicates.push_back({redundant, vEntries[first].pVtx});
+        Staying current{vEntries[i].pVtx, i};
+        Staying& other = staying.find(current.getHash(),
+                                      [&](const Staying& record) { return *record.pVtx == *current.pVtx; });
+        if (other.isFree()) {
+            staying.fill(other, current);
+            continue;
+        }
+        if (mustStay(*current.pVtx)) std::swap(current, other);
+        vDuplicates.push_back({current.position, other.pVtx});
     }
     return vDuplicates;
 }
@@ -67,7 +82,7 @@ void WaitingVertices::entryLeft(std::size_t position) {
 }
 
 void WaitingVertices::forget() noexcept {
-    PlaceMap<Point2*>().swap(mWaiting);
+    PlaceMap().swap(mWaiting);
     numHashed = 0;
     forgetLine();
 }

@@ -49,8 +49,7 @@ private:
     struct PlaceHash {
         std::size_t operator()(const Place& place) const noexcept;
     };
-    template <class Value>
-    using PlaceMap = std::unordered_map<Place, Value, PlaceHash>;
+    using PlaceMap = std::unordered_map<Place, Point2*, PlaceHash>;
 
     static Place placeOf(const Point2& p) noexcept { return Place(p.x(), p.y()); }
     void forgetLine() noexcept;
@@ -60,7 +59,7 @@ private:
     const IdxVtxVector& vEntries;
     QuorTest& quorTest;
 
-    PlaceMap<Point2*> mWaiting; // of the first numHashed entries, the active ones
+    PlaceMap mWaiting; // of the first numHashed entries, the active ones
     std::size_t numHashed = 0;
     std::size_t numCollinear = 0;                        // leading entries that are known to hold no triple
     std::size_t firstOfLine = npos, secondOfLine = npos; // two different active points among them
