@@ -397,8 +397,7 @@ void VertexVault::orderFront(std::size_t n) {
 /// Those among vertices that wait, whom nobody has met.
 void VertexVault::addWaitingDuplicates() {
     if (!duplicates.empty()) checkFailed("mRedundant2UniqueVtx.empty()", __FILE__, __LINE__);
-    const auto isConstraintEnd = [](const Point2& vtx) { return SegmentTable::isConstraintVertex(&vtx); };
-    for (const WaitingVertices::Duplicate& duplicate : waiting.findDuplicates(isConstraintEnd)) {
+    for (const WaitingVertices::Duplicate& duplicate : waiting.findDuplicates()) {
         IdxVtx& entry = vIdxVtxAct[duplicate.position];
         deactivateEntry(entry);
         duplicates.add(entry.pVtx, duplicate.pExisting);

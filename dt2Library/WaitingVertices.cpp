@@ -4,6 +4,7 @@
 #include "WaitingVertices.h"
 
 #include "HashTable.h"
+#include "SegmentTable.h"
 
 namespace QUOR_KELM25D {
 
@@ -57,8 +58,7 @@ bool WaitingVertices::getFirstTriple(Point2*& a, Point2*& b, Point2*& c) {
     return false;
 }
 
-std::vector<WaitingVertices::Duplicate>
-WaitingVertices::findDuplicates(bool (*mustStay)(const Point2&)) const {
+std::vector<WaitingVertices::Duplicate> WaitingVertices::findDuplicates() const {
     std::vector<Duplicate> vDuplicates;
     HashTable<Staying> staying(vEntries.size());
     for (std::size_t i = 0; i < vEntries.size(); ++i) {
@@ -70,7 +70,7 @@ WaitingVertices::findDuplicates(bool (*mustStay)(const Point2&)) const {
             staying.fill(other, current);
             continue;
         }
-        if (mustStay(*current.pVtx)) std::swap(current, other);
+        if (SegmentTable::isConstraintVertex(current.pVtx)) std::swap(current, other);
         vDuplicates.push_back({current.position, other.pVtx});
     }
     return vDuplicates;

@@ -35,9 +35,9 @@ public:
     /// Three active vertices that make a triangle, counterclockwise, in index order but for that. False if
     /// all are collinear.
     bool getFirstTriple(Point2*& a, Point2*& b, Point2*& c);
-    /// Of active vertices at one place the first in index order stays, but one that must stay does in any
-    /// case; these are the others.
-    std::vector<Duplicate> findDuplicates(bool (*mustStay)(const Point2&)) const;
+    /// Of active vertices at one place the first in index order stays, but an end of a constraint segment
+    /// does in any case; these are the others.
+    std::vector<Duplicate> findDuplicates() const;
 
     /// The entry at a position is active no more.
     void entryLeft(std::size_t position);
