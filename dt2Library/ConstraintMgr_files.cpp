@@ -1,5 +1,5 @@
 // The constraint segments as they are now, in files for debugging.
-// What the files of a whole triangulation hold is in Dt2_files.cpp.
+// What the files of a whole triangulation hold is in triangulationFile.cpp.
 
 #include "ConstraintMgr.h"
 #include "LeafWalk.h"

@@ -1,5 +1,5 @@
 // Hilbert keys: the position of a point along a Hilbert curve laid over a box.
-// Sorting by key is in hilbertSort.h; who keeps the box up to date is Dt2.
+// Sorting by key is in hilbertSort.h; who keeps the box up to date is Mesh2.
 //
 // The curve is a machine of four states; each step consumes one bit of x and one of y and yields two bits of
 // the key. Three steps at a time go through one table of 256 entries, so a key of 30 bits costs five

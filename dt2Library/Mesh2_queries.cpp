@@ -1,5 +1,5 @@
 // Questions to a finished triangulation: where a point lies, what meets at a vertex, the hull, the height.
-// Lines over the surface are in Drape.cpp, the check of the whole mesh in Dt2_validity.cpp.
+// Lines over the surface are in Drape.cpp, the check of the whole mesh in validity.cpp.
 
 #include "Mesh2.h"
 

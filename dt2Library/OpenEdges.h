@@ -1,5 +1,5 @@
 // The edges of a mesh under construction that have a triangle on their left and none on their right yet.
-// Vertices and triangles appear by number only; who makes two triangles neighbours is Dt2_import.cpp.
+// Vertices and triangles appear by number only; who makes two triangles neighbours is TriangleImport.cpp.
 //
 // Many triangles at once are sorted by the lower vertex of each edge: two passes over memory, where searches
 // for one edge after the other would miss the cache each time. What is open then is few, and stands in a hash

@@ -1,5 +1,5 @@
 // The division of a set of triangles into parts whose border is one simple ring each.
-// The borders become polygons of constraints in Dt2_import.cpp; nothing in the mesh is changed here.
+// The borders become polygons of constraints in TriangleImport.cpp; nothing in the mesh is changed here.
 //
 // Sets that are connected over edges come first. A part with holes is cut along a line through one of them,
 // one that touches itself in vertices loses the triangles around these vertices, and what comes of that is

@@ -115,6 +115,8 @@ bool TriangleImport::isDisc() const {
            2 * vVertices.size() == n + 2 + numBoxSides;
 }
 
+// --- the import -------------------------------------------------------------------------------------------
+
 Zone2* TriangleImport::run(bool bReorientIfNeeded, bool bCreateExtendedBoundingBox) {
     if (!checkInput(bReorientIfNeeded)) return nullptr;
     FailureMark mark(mesh);

@@ -1,5 +1,5 @@
 // The vertex store: every vertex of a triangulation, ordered along the Hilbert curve.
-// The vertices' storage is the pool of Dt2; what happens to triangles is decided there too. Vertices before
+// The vertices' storage is the pool of Mesh2; what happens to triangles is decided there too. Vertices before
 // there is a mesh are the subject of WaitingVertices, those found redundant of VertexDuplicates; both are
 // reached through here only.
 //

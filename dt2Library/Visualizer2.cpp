@@ -1,5 +1,5 @@
 // The PostScript page: collecting objects, scaling them to the page, and writing.
-// What a triangulation adds to a page is in Dt2_drawing.cpp, colours are in Color.cpp.
+// What a triangulation adds to a page is in meshDrawing.cpp, colours are in Color.cpp.
 //
 // Paths are kept short, for interpreters that limit them: areas are painted one by one, and lines are stroked
 // when the pen changes and after some tens of objects. Numbers have six significant digits, which is a

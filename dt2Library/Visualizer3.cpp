@@ -1,5 +1,5 @@
 // Geomview files: OFF meshes, VECT points and lines, spheres, in one LIST.
-// What of a triangulation is shown is decided in Dt2_geomview.cpp.
+// What of a triangulation is shown is decided in meshGeomview.cpp.
 #include <kelm25d/Visualizer3.h>
 
 #include "messages.h"

@@ -1,5 +1,5 @@
 // Bytes of little-endian fields, and the files that hold them.
-// Formats are not known here: see dataFiles.cpp and Dt2_files.cpp.
+// Formats are not known here: see dataFiles.cpp and triangulationFile.cpp.
 #include "binaryFile.h"
 
 #include <cstring>

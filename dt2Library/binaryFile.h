@@ -1,5 +1,5 @@
 // Files that are written and read block by block, with little-endian fields on every machine.
-// What the fields mean stands with the formats, in dataFiles.cpp and Dt2_files.cpp.
+// What the fields mean stands with the formats, in dataFiles.cpp and triangulationFile.cpp.
 #pragma once
 
 #include <kelm25d/Point2.h>

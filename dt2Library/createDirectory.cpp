@@ -1,5 +1,5 @@
 // Making a directory together with those above it.
-// What a web scene puts there is written in fileReplicate.cpp and Dt2_geomview.cpp.
+// What a web scene puts there is written in fileReplicate.cpp and meshGeomview.cpp.
 #include <kelm25d/webScene.h>
 
 #include <filesystem>

@@ -1,5 +1,5 @@
 // Readers and writers of point files, text and binary, and of binary segment files.
-// Files and their bytes are binaryFile.h, whole triangulations Dt2_files.cpp.
+// Files and their bytes are binaryFile.h, whole triangulations triangulationFile.cpp.
 #include <kelm25d/dataFiles.h>
 
 #include "binaryFile.h"
