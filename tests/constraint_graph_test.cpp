@@ -3,9 +3,6 @@
 // constraint_stress_test.cpp.
 #include "testing.h"
 
-#include <functional>
-#include <sstream>
-
 namespace {
 
 using Segments = std::vector<ConstraintSegment2*>;
@@ -78,9 +75,7 @@ TEST(ConstraintGraph, RingsAreFoundAndDirectionsOutlastDivision) {
                  {"bg gf ab af", "ab bg gf fa", false, true}, // in no order
                  {"af fg gb ba", "ba gb fg af", true, true},  // the user's directions in the ring's order
                  {"bg gf ab af", "ab bg gf af", true, true},  // even if they do not agree
-                 {"ch hb bc", "bc ch hb", false, true},
                  {"ag gb bf fa", "ag gb bf fa", false, true}, // crossings are not looked for
-                 {"ab gb", "ab bg", false, false},
                  {"gf ab gb", "gf ab gb", true, false},
                  {"ab ba", "ab", false, false},
                  {"ab bc ca", "ab bc ac", false, false},                   // flat
@@ -126,8 +121,8 @@ TEST(ConstraintSegment, InsertAndSplitTakesThePointOrRefusesIt) {
             const Point2* pVtx = pCSeg->insertAndSplit(c.point);
             EXPECT_EQ(pVtx != nullptr && *pVtx == c.point, *c.error == 0);
             EXPECT_TRUE(output.printed(c.error));
-            ASSERT_VALID_MESH(frame.dt);
             if (!bTriangles) frame.at('y'), frame.dt.applyConstraintsAndZones();
+            ASSERT_VALID_MESH(frame.dt);
             ASSERT_VALID_CONSTRAINTS(frame.dt, {});
             const std::string back = path(*pBack);
             EXPECT_EQ(path(*pThere), c.path);
@@ -138,30 +133,30 @@ TEST(ConstraintSegment, InsertAndSplitTakesThePointOrRefusesIt) {
 }
 
 TEST(ConstraintSegment, SplitAndRemovePrevTakesTheGeneratorsVerticesCloserThanAnEnd) {
-    Frame frame("ae");
-    Dt2* pDt = frame.dt.getImpl();
-    InnerVtxMgr& inner = pDt->getInnerVtxMgr();
+    Frame frame;
+    InnerVtxMgr& inner = frame.dt.getImpl()->getInnerVtxMgr();
+    std::vector<Point2> vPlaces;
     std::vector<Point2*> v;
-    for (const Point2& p : {Point2(4, 3, 0), Point2(7.5, -1, 0), Point2(0.5, 1, 0), // close to the middle
-                            Point2(1, 3, 0), Point2(9, 1, 0), Point2(-1, 0.5, 0),   // not close
-                            Point2(4, 4, 0), Point2(5, 1, 0), Point2(6, 2, 0)})     // as far, forgotten, used
-        inner.add(v.emplace_back(frame.dt.insert(p)));
+    for (int x = -2; x < 10; ++x)
+        for (int y = -5; y < 5; ++y)
+            if (y != 0) vPlaces.emplace_back(x, y, 0);
+    frame.dt.insert(vPlaces, v);
+    for (Point2* pVtx : v)
+        inner.add(pVtx);
     frame.make("ae in");
-    inner.forget(v[7]);
+    inner.forget(v[60]);
     ConstraintSegment2* pCSeg = frame.get("ae");
-    CoutCapture output;
-    const std::pair<const char*, std::function<void()>> aCase[] = {
-        {"+++++++++", [&] { EXPECT_TRUE(pCSeg->splitAndRemovePrev(*pCSeg->getSrc())); }},
-        {"---++++++", [&] { EXPECT_TRUE(pCSeg->splitAndRemovePrev(place('c'))); }},
-        {"---+++-++", [&] { inner.removeNear(place('c'), 17.0, pDt->getMesh()); }},
-        {"---+++-++", [&] { inner.clear(), inner.removeNear(place('c'), 1e6, pDt->getMesh()); }}};
-    for (const auto& [left, call] : aCase) {
-        call();
-        for (std::size_t i = 0; i < v.size(); ++i)
-            EXPECT_EQ(v[i]->getIncidentTriangle() != nullptr, left[i] == '+') << left << i;
-        ASSERT_VALID_MESH(frame.dt);
+    EXPECT_TRUE(pCSeg->splitAndRemovePrev(*pCSeg->getSrc())); // removes nothing
+    EXPECT_EQ(v.size() + 6, frame.dt.numberOfPoints());
+    EXPECT_TRUE(pCSeg->splitAndRemovePrev(place('c')));
+    for (std::size_t i = 0; i < v.size(); ++i) {
+        const bool bClose = std::hypot(vPlaces[i].x() - 4, vPlaces[i].y()) < 4;
+        const bool bUsed = vPlaces[i].x() == 6 && vPlaces[i].y() >= 2;
+        EXPECT_EQ(v[i]->getIncidentTriangle() != nullptr, !bClose || bUsed || i == 60) << vPlaces[i];
     }
-    EXPECT_EQ("", output.take());
+    inner.clear();
+    inner.removeNear(place('c'), 1e6, frame.dt.getImpl()->getMesh()); // knows of none
+    ASSERT_VALID_MESH(frame.dt);
     EXPECT_FALSE(frame.get("ac")->splitAndRemovePrev({9, 0, 0}));
 }
 
@@ -174,14 +169,11 @@ TEST(ConstraintGraph, MakeDelaunayChoosesTheMiddleTheFootOrTheApex) {
         {{4, 9, 0}, {4, -9, 0}, {}, 0, true},
         {{4, 1, 5}, {4, -1, 5}, {4, 0, 4}, 11.313, true}, // the middle; lengths are those in space
         {{4, 1, 5}, {4, -1, 5}, {}, 11.314, false},
-        {{4, 1, 5}, {4, -1, 5}, {}, 1e300, false},
-        {{3, 0.0625, 5}, {4, -1, 5}, {3, 0, 3}, 0, true}, // the foot of a near apex
-        {{4, 1, 5}, {3, -0.0625, 5}, {3, 0, 3}, 0, true},
+        {{3, 0.0625, 5}, {4, -1, 5}, {3, 0, 3}, 0, true},                 // the foot of a near apex
         {{3, 0.0005, 5}, {4, -1, 5}, {3, 0.0005, 5}, 0, true},            // one that all but lies on it
         {{0x1p-7, 0x1p-11, 5}, {4, -1, 5}, {0x1p-7, 0, 0x1p-7}, 0, true}, // but not as near to an end
         {{5e-6, 9e-7, 5}, {4, -1, 5}, {5e-6, 9e-7, 5}, 0, true},          // unless it is below 1e-6
-        {{-0.5, 1e-4, 5}, {4, -3e-4, 5}, {4, -3e-4, 5}, 0, true},         // one beyond an end does not count
-        {{4, 3e-4, 5}, {-0.5, -1e-4, 5}, {4, 3e-4, 5}, 0, true}};
+        {{-0.5, 1e-4, 5}, {4, -3e-4, 5}, {4, -3e-4, 5}, 0, true}};        // one beyond an end does not count
     for (const auto& c : aCase) {
         SCOPED_TRACE(::testing::Message() << c.above << ' ' << c.below << ' ' << c.minLength);
         Kelm_2D dt;
@@ -237,22 +229,6 @@ TEST(ConstraintGraph, RandomBentSegmentsKnowTheirOwnersAndBecomeDelaunayEdges) {
             if (exactInCircle(*pT->getCorner(0), *pT->getCorner(1), *pT->getCorner(2), apex) <= 0) continue;
             EXPECT_TRUE(!bResult && (bRefused || std::sqrt(edge.getLength2D()) < minLength)) << *pCSeg;
         }
-    }
-}
-
-TEST(ConstraintSegment, PrintsLabelAddressesStateEndsAndLength) {
-    Frame frame;
-    ConstraintSegment2* pCSeg = originals(*frame.make("ae"))[0];
-    for (const char* state : {"alive", "DEAD, numChildren=2"}) {
-        std::ostringstream text, expected;
-        text << *pCSeg;
-        expected << ", " << pCSeg << ": (" << pCSeg->getSrc() << "," << pCSeg->getTrg() << ")\n [" << state
-                 << "]\n"
-                 << *pCSeg->getSrc() << '\n'
-                 << *pCSeg->getTrg() << "\nlength=8";
-        EXPECT_EQ(text.str().find("ConstraintSegment2 label "), 0U);
-        EXPECT_EQ(text.str().substr(text.str().find(',')), expected.str());
-        frame.at('c');
     }
 }
 

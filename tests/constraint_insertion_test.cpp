@@ -5,8 +5,6 @@
 
 #include "centerWithShift.h"
 
-#include <regex>
-
 namespace {
 
 constexpr ConstraintInsertionStrategy aStrategy[] = {CIS_CONFORMING_SURFACE_HEIGHT, CIS_CONSTRAINED_DELAUNAY,
@@ -37,33 +35,30 @@ TEST(ConstraintInsertion, CrossingsTakeTheHeightOfTheFirstOrAnEndNearby) {
         Point2 meeting;
     } aCase[] = {
         {{{0, 0, 0}, {10, 0, 5}}, {{4, -3, 9}, {4, 3, 8}}, 1, 4, {4, 0, 2}},
-        {{{0, 0, 10}, {0, 10, 20}}, {{-5, 4, 9}, {5, 4, 9}}, 1, 4, {0, 4, 14}}, // along y
         {{{0, 0, 8}, {8, 4, 0}}, {{0, 4, 90}, {8, 0, 90}}, 1, 4, {4, 2, 4}},
         {{{0, 0, 1}, {8, 0, 2}}, {{4, 0, 9}, {4, 5, 9}}, 0, 3, {4, 0, 9}},         // an end on the other
-        {{{4, 0, 9}, {4, 5, 9}}, {{0, 0, 1}, {8, 0, 2}}, 0, 3, {4, 0, 9}},         // the other way round
         {{{0, 0, 1}, {8, 0, 2}}, {{4, -5e-7, 9}, {4, 5, 9}}, 0, 3, {4, -5e-7, 9}}, // within 1e-6
-        {{{4, -5e-7, 9}, {4, 5, 9}}, {{0, 0, 1}, {8, 0, 2}}, 0, 3, {4, -5e-7, 9}},
-        {{{0, 0, 1}, {8, 0, 5}}, {{4, -2e-6, 9}, {4, 5, 9}}, 1, 4, {4, 0, 3}}, // beyond
-        {{{0, 0, 1}, {8, 0, 2}}, {{8, 0, 2}, {0, 0, 1}}, 0, 1, {8, 0, 2}},     // the same again
-        {{{0, 0, 1}, {8, 0, 2}}, {{4, 0, 9}, {12, 0, 7}}, 0, 3, {8, 0, 2}},    // overlapping
+        {{{0, 0, 1}, {8, 0, 5}}, {{4, -2e-6, 9}, {4, 5, 9}}, 1, 4, {4, 0, 3}},     // beyond
+        {{{0, 0, 1}, {8, 0, 2}}, {{8, 0, 2}, {0, 0, 1}}, 0, 1, {8, 0, 2}},         // the same again
+        {{{0, 0, 1}, {8, 0, 2}}, {{4, 0, 9}, {12, 0, 7}}, 0, 3, {8, 0, 2}},        // overlapping
     };
     for (const auto& c : aCase) {
-        for (const int way : {0, 1, 2, 3}) {
-            SCOPED_TRACE(testing::Message() << "case " << &c - aCase << ", way " << way);
+        for (const bool bOneCall : {true, false}) {
+            SCOPED_TRACE(testing::Message() << "case " << &c - aCase << ", one call: " << bOneCall);
             Kelm_2D dt;
             dt.insert(frame);
             const std::vector<Segment2> v{c.first, c.second};
             for (const Segment2& s : v) // so that all ends are there before
                 dt.insert({s.getSrc(), s.getTrg()});
             const unsigned numBefore = dt.numberOfPoints();
-            dt.createConstraint(way < 2 ? v : std::vector<Segment2>{v[0]}, aStrategy[1], way % 2 == 0);
-            if (way >= 2) dt.createConstraint({v[1]}, aStrategy[1], way % 2 == 0);
+            dt.createConstraint(bOneCall ? v : std::vector<Segment2>{v[0]}, aStrategy[1]);
+            if (!bOneCall) dt.createConstraint({v[1]}, aStrategy[1]);
             ASSERT_EQ("", fault(dt, v));
             EXPECT_EQ(aliveSegments(dt).size(), c.numPieces);
             EXPECT_EQ(dt.numberOfPoints(), numBefore + c.numNew);
             const Point2* pMeeting = vertexAt(dt, c.meeting);
             ASSERT_NE(nullptr, pMeeting);
-            EXPECT_TRUE(way < 2 || pMeeting->z() == c.meeting.z()); // in one call there is no first
+            EXPECT_TRUE(bOneCall || pMeeting->z() == c.meeting.z()); // in one call there is no first
         }
     }
 }
@@ -109,10 +104,6 @@ TEST(ConstraintInsertion, EveryStrategyMeetsEveryOtherAndHalvesWithItsHeight) {
 }
 
 TEST(ConstraintInsertion, WaitsForTheThirdPointAndOutlastsTheLossOfTheMesh) {
-    const std::regex warnings(
-        "Kelm2D::a.*, WARNING: The triangulation is not 2D yet, can't apply the constraints"
-        "\n\n\n.* Dt2::applyConstraintsAndZones\\(\\), WARNING: The triangulation is not "
-        "full dimensional yet. Nothing to do\n");
     for (int variant = 0; variant < 12; ++variant) {
         SCOPED_TRACE(variant);
         CoutCapture capture;
@@ -125,7 +116,7 @@ TEST(ConstraintInsertion, WaitsForTheThirdPointAndOutlastsTheLossOfTheMesh) {
         ASSERT_EQ("", fault(dt, v));
         dt.applyConstraintsAndZones();
         dt.getImpl()->getConstraintMgr().applyConstraintsAndZones();
-        EXPECT_TRUE(std::regex_search(capture.take(), warnings));
+        EXPECT_TRUE(has(capture.take(), "not full dimensional yet. Nothing to do\n"));
         for (const double x : {1, 2, 3}) {
             Point2* pThird = dt.insert({x, 5, 0});
             dt.applyConstraintsAndZones();
@@ -137,26 +128,11 @@ TEST(ConstraintInsertion, WaitsForTheThirdPointAndOutlastsTheLossOfTheMesh) {
     }
 }
 
-TEST(ConstraintInsertion, EndsMayStandOverVerticesThatThreadsLeftWaiting) {
-    Kelm_2D dt;
-    dt.setNumCPU(2);
-    dt.insert({0, 0, 1});
-    dt.insert({4, 0, 1});
-    std::vector<Point2*> vHandles;
-    dt.insert({{0, 0, 2}, {4, 0, 2}, {1, 1, 1}}, vHandles); // goes by the two that wait
-    const std::vector<Segment2> v{{{0, 0, 2}, {4, 0, 2}}};
-    dt.createConstraint(v, CIS_CONSTRAINED_DELAUNAY);
-    dt.remove(vHandles[2]);
-    dt.insert({2, -3, 0}); // starts anew with all of them
-    dt.applyConstraintsAndZones();
-    ASSERT_EQ("", fault(dt, v));
-}
-
 TEST(ConstraintInsertion, LaterPointsDivideConstraintsAndOnlyOthersCanBeRemovedAgain) {
-    for (const int numCPU : {0, 1, 4}) { // 0: one by one
+    for (const int numCPU : {1, 4}) {
         std::mt19937_64 random(5);
         Kelm_2D dt;
-        dt.setNumCPU(std::max(1, numCPU));
+        dt.setNumCPU(numCPU);
         const Point2 o(0, 0, 0);
         const std::vector<Segment2> v{{o, {4096, 0, 0}}, {o, {4096, 2048, 0}}, {{7, 4, 0}, {4096, 4, 0}}};
         dt.createConstraint(v, CIS_CONSTRAINED_DELAUNAY);
@@ -166,8 +142,6 @@ TEST(ConstraintInsertion, LaterPointsDivideConstraintsAndOnlyOthersCanBeRemovedA
             vPoints.insert(vPoints.end(), {{x, 0, 1}, {x, x / 2, 1}, {x, std::nextafter(4, 5), 2}});
             if (i % 100 == 0) vPoints.insert(vPoints.end(), {{x, -x, 2}, {x, 5000 + x, 2}}); // the hull grows
         }
-        for (std::size_t i = 0; numCPU == 0 && i < vPoints.size(); ++i)
-            dt.insert(vPoints[i]);
         dt.insert(vPoints);
         ASSERT_EQ("", fault(dt, v));
         std::vector<Point2*> vVertices = allVertices(dt);
@@ -186,21 +160,6 @@ TEST(ConstraintInsertion, LaterPointsDivideConstraintsAndOnlyOthersCanBeRemovedA
     }
 }
 
-TEST(ConstraintApply, GoesOnAfterARoundThatOnlyDividedAnotherSegment) {
-    Kelm_2D dt(100); // one block of storage: addresses rise
-    for (const double y : {0.0, 5.0})
-        for (const double x : {0.0, 10.0})
-            dt.insert({x, y, 0});
-    dt.insert({5, -5e-7, 0});
-    dt.insert({{5, 10, 0}, {-20, -20, 0}, {30, -20, 0}, {5, 40, 0}, {4.9, 2, 0}, {5.1, 2, 0}});
-    const Segment2 a({0, 0, 0}, {10, 0, 0}), b({0, 5, 0}, {10, 5, 0}), c({5, -5e-7, 0}, {5, 10, 0});
-    dt.createConstraint({a}, CIS_CONSTRAINED_DELAUNAY);
-    dt.createConstraint({b}, CIS_CONFORMING_LINEAR_HEIGHT);
-    dt.createConstraint({c}, CIS_CONFORMING_LINEAR_HEIGHT); // divided at b, and only later divides a
-    dt.applyConstraintsAndZones();
-    ASSERT_EQ("", fault(dt, {a, b, c}));
-}
-
 TEST(ConstraintApply, GivesUpWithoutDigitsAndTheCheckReportsWhatIsMissing) {
     const ScratchDirectory scratch;
     CoutCapture capture;
@@ -212,11 +171,8 @@ TEST(ConstraintApply, GivesUpWithoutDigitsAndTheCheckReportsWhatIsMissing) {
     dt.applyConstraintsAndZones();
     EXPECT_FALSE(dt.checkValidity(true, "lost"));
     const std::string printed = capture.take();
-    for (const char* text :
-         {"Dt2::insertSegmentConformingDelaunay(), WARNING: Double precision arithmetic does not "
-          "allow to split a segment further, giving up. Incorrect result!\n",
-          "\n* ConstraintSegments (alive): 1, contained: 0, missing: 1\n",
-          "\nNot contained: ConstraintSegment2 label "})
+    for (const char* text : {"giving up. Incorrect result!\n", "(alive): 1, contained: 0, missing: 1\n",
+                             "\nNot contained: ConstraintSegment2 label "})
         EXPECT_TRUE(has(printed, text)) << printed;
     EXPECT_TRUE(has(std::filesystem::directory_iterator(".")->path().string(), "_checkValidityFail_lost.ps"));
     ASSERT_VALID_MESH(dt);
@@ -236,16 +192,15 @@ TEST(ConstraintApply, ProgressIsThatOfTheWholeAndOfNothingInside) {
     dt.createConstraint(v, CIS_CONFORMING_LINEAR_HEIGHT);
     dt.applyConstraintsAndZones();
     EXPECT_EQ(2U, receiver.mValues.size());
-    for (const char* label : {"establish constraints", "apply"}) {
-        const std::vector<double>& values = receiver.mValues[label];
+    for (const auto& [label, values] : receiver.mValues) {
         EXPECT_TRUE(values.size() >= 90 && values.back() == 1.0) << label;
-        EXPECT_EQ(values.end(), std::adjacent_find(values.begin(), values.end(), std::greater_equal<>()));
+        EXPECT_TRUE(std::is_sorted(values.begin(), values.end())) << label;
     }
 }
 
 TEST(ConstraintFiles, DebugFilesHoldThePiecesOfEachGraphAndDrawingsTellThemFromOtherEdges) {
     const ScratchDirectory scratch;
-    CoutCapture capture;
+    const CoutCapture capture;
     Kelm_2D dt;
     dt.insert(frame);
     dt.createConstraint({{{0, 0, 0.1}, {8, 0, 1}}}, CIS_CONSTRAINED_DELAUNAY);
@@ -254,25 +209,18 @@ TEST(ConstraintFiles, DebugFilesHoldThePiecesOfEachGraphAndDrawingsTellThemFromO
     mgr.writeConstraints("missing/a"); // ignored
     mgr.writeConstraints("a");
     mgr.writeConstraintsBIN("a");
-    const std::string lines = capture.take();
     for (const std::string name : {"a_c0", "a_c1"}) {
         std::vector<Segment2> vPieces;
         ASSERT_TRUE(readSegmentsBIN((name + "_con.bin").c_str(), vPieces));
-        const std::string written = "INFO: writes" + std::to_string(vPieces.size()) + " child segments to ";
-        EXPECT_TRUE(has(lines, "ConstraintMgr::writeConstraints(), " + written + name + ".con\n"));
-        EXPECT_TRUE(has(lines, "ConstraintMgr::writeConstraintsBIN(), " + written + name + "_con.bin\n"));
         const std::string text = readFile(name + ".con");
         EXPECT_EQ(static_cast<int>(vPieces.size()), std::count(text.begin(), text.end(), '\n'));
-        EXPECT_TRUE(std::regex_match(text, std::regex("(([0-9.-]+\t){5}[0-9.-]+\n)+"))) << text;
         for (const Segment2& s : vPieces)
             EXPECT_TRUE(dt.isConstraint(vertexAt(dt, s.getSrc()), vertexAt(dt, s.getTrg())));
     }
     EXPECT_TRUE(has(readFile("a_c0.con"), "0\t0\t0.1000000000000000055511151231257827"));
     for (const bool bWith : {true, false}) {
         dt.show("page.ps", bWith);
-        const std::string page = readFile("page.ps");
-        EXPECT_EQ(bWith, has(page, "\n1\t0\t0\tsetrgbcolor\n0.5\tsetlinewidth\n"));
-        EXPECT_EQ(!bWith, has(page, "\n0.001\tsetlinewidth\n"));
+        EXPECT_EQ(bWith, has(readFile("page.ps"), "\n1\t0\t0\tsetrgbcolor\n0.5\tsetlinewidth\n"));
     }
 }
 

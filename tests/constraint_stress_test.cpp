@@ -21,11 +21,8 @@ TEST(ConstraintStress, EveryFamilyLeavesValidMeshAndConstraints) {
 }
 
 TEST(ConstraintStress, LargeSetsLeaveValidMeshAndConstraints) {
-    constexpr std::size_t n = 2000 / fraction;
-    for (unsigned variant = 0; variant < numVariants; variant += 5) {
-        ASSERT_EQ("", insertAndCheck(makeManySegments(n, 0, variant), variant)) << variant;
-        ASSERT_EQ("", insertAndCheck(makeManySegments(n / 10, 40, variant), variant)) << variant;
-    }
+    for (unsigned variant = 0; variant < numVariants; variant += 5)
+        ASSERT_EQ("", insertAndCheck(makeManySegments(2000 / fraction, variant), variant)) << variant;
 }
 
 TEST(ConstraintStress, TheCheckerSeesAConstraintThatIsFlippedAway) {
@@ -36,10 +33,7 @@ TEST(ConstraintStress, TheCheckerSeesAConstraintThatIsFlippedAway) {
     ASSERT_VALID_MESH(dt);
     ASSERT_VALID_CONSTRAINTS(dt, vSquare, pGraph);
     Triangle2* pT = allTriangles(dt)[0];
-    int diagonal = 0;
-    while (pT->getOppositeTriangle(diagonal) == nullptr)
-        ++diagonal;
-    Mesh2::flip(pT, diagonal);
+    Mesh2::flip(pT, pT->getMaxIndex()); // the diagonal
     EXPECT_NE("", findConstraintFault(dt, vSquare, pGraph));
     EXPECT_EQ("", findConstraintFault(dt, vSquare, pGraph, true)); // as if it waited
 }

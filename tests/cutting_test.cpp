@@ -20,7 +20,6 @@ std::set<Places> edgesOf(const Kelm_2D& dt) {
 }
 
 struct Case {
-    std::string name;
     std::vector<Point2> points;
     Knives knives;
 };
@@ -28,42 +27,38 @@ struct Case {
 std::vector<Case> makeCases() {
     std::mt19937 random(11);
     std::uniform_real_distribution<double> u(0.0, 10.0);
-    const auto repeat = [](int n, const auto& make) {
-        std::vector<decltype(make(0))> v;
-        for (int i = 0; i < n; ++i)
-            v.push_back(make(i));
-        return v;
-    };
-    const auto near = [&](int) { return Point2(u(random), u(random), u(random)); };
-    const auto far = [&](int) { return Point2(5e5 + u(random), 4e6 + u(random), u(random)); };
-    const auto knife = [&](double size) {
-        const Point2 a = near(0), b = near(0);
-        return Segment2(a, Point2(a.x() + size * (b.x() - 5), a.y() + size * (b.y() - 5), 7));
-    };
-    const std::vector<Point2> vUniform = repeat(300, near),
-                              vGrid = repeat(300, [&](int i) { return Point2(i % 17, i / 17, u(random)); });
-    const auto onGrid = [&] { return Point2(random() % 17, random() % 17, 0); };
-    const auto through = [](int i) { return Segment2({-5, i * 2. - 1, 3}, {16, 9. - i, 3}); };
-    const auto ray = [](int i) { return Segment2({8, 8, 0}, {8 + 6 * std::cos(i), 8 + 6 * std::sin(i), 0}); };
-    const Knives vAlong = {{{2, 3, 0}, {9, 3, 0}},  {{2.5, 4, 0}, {2.75, 4, 0}},
-                           {{3, 0, 0}, {3, 16, 0}}, {{-3, 5, 0}, {20, 5, 0}},
-                           {{1, 1, 0}, {1, 1, 9}},  {{4.5, 7.5, 9}, {6.5, 8, 9}}};
-    return {{"short knives", vUniform, repeat(40, [&](int) { return knife(0.1); })},
-            {"thousands", repeat(5000, near), repeat(3000, [&](int) { return knife(0.02); })},
-            {"through the hull and each other", vUniform, repeat(6, through)},
-            {"through and along lattice edges", vGrid,
-             repeat(12, [&](int) { return Segment2(onGrid(), onGrid()); })},
-            {"along edges, within one, over the border, without length, from edge to edge", vGrid, vAlong},
-            {"from one vertex", vGrid, repeat(9, ray)},
-            {"far from the origin", repeat(300, far),
-             repeat(40, [&](int i) { return Segment2(far(i), far(i)); })}};
+    const auto near = [&] { return Point2(u(random), u(random), u(random)); };
+    const auto far = [&] { return Point2(5e5 + u(random), 4e6 + u(random), u(random)); };
+    Case small, remote,
+        lattice{{},
+                {{{2, 3, 0}, {9, 3, 0}},         // along edges
+                 {{2.5, 4, 0}, {2.75, 4, 0}},    // within one
+                 {{-3, 5, 0}, {20, 5, 0}},       // over the border
+                 {{4.5, 7.5, 9}, {6.5, 8, 9}}}}; // from edge to edge
+    for (int i = 0; i < 300; ++i)
+        small.points.push_back(near());
+    for (int i = 0; i < 300; ++i) {
+        remote.points.push_back(far());
+        lattice.points.emplace_back(i % 17, i / 17, u(random));
+    }
+    for (int i = 0; i < 40; ++i) {
+        const Point2 a = near();
+        small.knives.emplace_back(a, Point2(a.x() + 0.1 * u(random) - 0.5, a.y() + 0.1 * u(random) - 0.5, 7));
+        remote.knives.emplace_back(far(), far());
+    }
+    for (int i = 0; i < 12; ++i)
+        lattice.knives.push_back({lattice.points[random() % 300], lattice.points[random() % 300]});
+    Case through{small.points, {}}; // the hull and each other
+    for (int i = 0; i < 6; ++i)
+        through.knives.push_back({{-5, i * 2. - 1, 3}, {16, 9. - i, 3}});
+    return {small, lattice, remote, through};
 }
 
 // With protection the surface stays, and so does every edge that no knife touches; without it the mesh stays
 // Delaunay. The knives become chains of constraints.
 TEST(Cutting, KnivesBecomeConstraintsOfAProtectedSurfaceOrADelaunayMesh) {
     for (const Case& test : makeCases()) {
-        SCOPED_TRACE(test.name);
+        SCOPED_TRACE(test.points[0]);
         Kelm_2D before, dt, unprotected;
         for (Kelm_2D* pDt : {&before, &dt, &unprotected})
             pDt->insert(test.points);
@@ -72,7 +67,6 @@ TEST(Cutting, KnivesBecomeConstraintsOfAProtectedSurfaceOrADelaunayMesh) {
         ASSERT_VALID_CONSTRAINTS(unprotected, {});
         Pieces vPieces;
         dt.getImpl()->CUTT_cutTriangles(test.knives, true, vPieces);
-        ASSERT_TRUE(dt.checkValidity(false, "cut"));
         ASSERT_VALID_MESH(dt, false);
         ASSERT_VALID_CONSTRAINTS(dt, {});
 

@@ -5,7 +5,6 @@
 namespace {
 
 const double eps = std::numeric_limits<double>::epsilon();
-constexpr int numGenerators = 6, polygonGenerator = 4;
 
 // What generator k, of those that take a seed, makes of a range, and the custom indices.
 std::vector<double> make(int k, double min, double max, unsigned seed) {
@@ -25,19 +24,13 @@ std::vector<double> make(int k, double min, double max, unsigned seed) {
     return v;
 }
 
-int seedAndDraw(unsigned seed) {
-    seedRandom(seed);
-    return nextRandom();
-}
-
 } // namespace
 
 TEST(Generators, SeedRepeatsEverywhereAndZeroDoesNot) {
-    const int aDrawn[] = {seedAndDraw(0), nextRandom(), seedAndDraw(4294967295U), nextRandom()};
-    const int aPublished[] = {28944, 14140, 14808, 12432}; // the 15 highest bits of the generator's sequence
-    EXPECT_TRUE(std::equal(aDrawn, aDrawn + 4, aPublished));
-    CoutCapture capture; // one of them talks
-    for (int k = 0; k < numGenerators; ++k) {
+    seedRandom(4294967295U);
+    EXPECT_TRUE(nextRandom() == 14808 && nextRandom() == 12432); // of the published sequence
+    CoutCapture capture;                                         // one of them talks
+    for (int k = 0; k < 6; ++k) {
         std::set<std::vector<double>> sMade;
         for (const unsigned seed : {1U, 1U, 2U, 2U, 4294967295U, 4294967295U})
             sMade.insert(make(k, -50, 100, seed));
@@ -45,26 +38,20 @@ TEST(Generators, SeedRepeatsEverywhereAndZeroDoesNot) {
         for (int i = 0; i < 300; ++i) // most of them within one second
             sMade.insert(make(k, -50, 100, 0));
         // A polygon that fails at first goes on with seed 1, which about one in five does.
-        EXPECT_GE(sMade.size(), k == polygonGenerator ? 150U : 303U) << k;
+        EXPECT_GE(sMade.size(), k == 4 ? 150U : 303U) << k;
     }
 }
 
 TEST(Generators, NumbersBecomeFirstAllXThenAllYThenAllZ) {
     std::vector<double> r;
     generateRandomNumbers(30, -2.0, 5.0, r, 9);
-    EXPECT_EQ(r[0], seedAndDraw(9) * (7.0 / 32768) - 2.0);
-    std::vector<Point2> v, v3D(100);
+    std::vector<Point2> v(20), v3D(20);
     generateRandomPoints(15, -2.0, 5.0, v, 9);
     CoutCapture capture;
     generateRandomPoints3D(10, -2.0, 5.0, v3D, 9);
+    EXPECT_TRUE(capture.printed("after generate\ni=0, siz=30\ni=1, siz=30\n"));
     ASSERT_TRUE(v.size() == 15 && v3D.size() == 10);
-    std::string lines = "after generate\n";
-    for (int i = 0; i < 10; ++i) {
-        lines += "i=" + std::to_string(i) + ", siz=30\n";
-        EXPECT_TRUE(v[i].samePoint({r[i], r[15 + i], 0.0})) << i;
-        EXPECT_TRUE(v3D[i].samePoint({r[i], r[10 + i], r[20 + i]})) << i;
-    }
-    EXPECT_EQ(capture.take(), lines);
+    EXPECT_TRUE(v[7].samePoint({r[7], r[22], 0.0}) && v3D[7].samePoint({r[7], r[17], r[27]}));
 }
 
 TEST(RandomPolygon, IsASimpleRingOfTheWantedSize) {
@@ -89,9 +76,6 @@ TEST(RandomPolygon, IsASimpleRingOfTheWantedSize) {
     std::vector<Segment2> v(1);
     generateRandomPolygon(400, 1000, 1030, v, 7);
     EXPECT_EQ(v.size(), 400U); // cleared by a retry
-    v = {{{7, 7, 0}, {8, 7, 0}}, {{8, 7, 0}, {7, 7, 0}}};
-    generateRandomPolygon(3, 0, 1, v, 7);
-    EXPECT_TRUE(v.size() == 2 && v[0].getSrc() == Point2(7, 7, 0)); // the ring of the first segment
 }
 
 TEST(RandomSegments, HaveThreeLengthsAndFillUp) {
@@ -126,9 +110,8 @@ TEST(RandomSurface, ReachesItsLimitsExactlyAndTakesEarlierPointsAlong) {
             std::vector<Point2> v(1, {0.5, 3.0, 99.0});
             generateRandomSurfacePoints(3, numY, numCenters, xmin, ymin, zmin, xmax, ymax, zmax, v, 11);
             ASSERT_EQ(v.size(), 1 + 3 * numY);
-            EXPECT_TRUE(v[1] == Point2(xmin, ymin, 0) && v[numY] == Point2(xmin, ymax, 0));
-            EXPECT_TRUE(v[1 + 2 * numY].x() == xmax && v.back() == Point2(xmax, ymax, 0));
-            EXPECT_TRUE(std::is_sorted(v.begin() + 1, v.end()));
+            EXPECT_TRUE(v[1] == Point2(xmin, ymin, 0) && v[1 + 2 * numY].x() == xmax);
+            EXPECT_TRUE(v[numY].y() == ymax && v.back() == Point2(xmax, ymax, 0));
             const auto isLower = [](const Point2& a, const Point2& b) { return a.z() < b.z(); };
             const auto extremes = std::minmax_element(v.begin(), v.end(), isLower);
             EXPECT_TRUE(extremes.first->z() == zmin && extremes.second->z() == zmax);
@@ -138,7 +121,6 @@ TEST(RandomSurface, ReachesItsLimitsExactlyAndTakesEarlierPointsAlong) {
 
 TEST(Curves, CirclesAndSinesGoWhereTheyShould) {
     std::vector<Point2> vCircle;
-    generateCircle(-3, 1, 2, 3, 4, 5, vCircle);
     generateCircle(8, 1, 2, 3, 4, 5, vCircle);
     ASSERT_EQ(vCircle.size(), 8U);
     for (int i = 0; i < 8; ++i) { // with a gap wider by 5.3e-6 radians at the end
@@ -152,20 +134,17 @@ TEST(Curves, CirclesAndSinesGoWhereTheyShould) {
         for (int i = 0; i < num; ++i) {
             const Point2 p = v[i].getTrg();
             EXPECT_TRUE(i + 1 == num || p == v[i + 1].getSrc());
-            const double t = 10 * M_PI * (i + 1) / num, sine = std::sin(t);
-            const double y = yFactor == 0 ? std::fabs(sine) : 2 * sine;
-            EXPECT_NEAR(bSwapXY ? p.y() : p.x(), 3 * t + 10, 512 * eps); // a few roundings below 128
-            EXPECT_NEAR(bSwapXY ? p.x() : p.y(), y, 128 * eps);
-            EXPECT_TRUE((i + 1) * 10 % num != 0 || (bSwapXY ? p.x() : p.y()) == 0.0); // whole half periods
+            const double x = bSwapXY ? p.y() : p.x(), y = bSwapXY ? p.x() : p.y(), t = (x - 10) / 3;
+            EXPECT_NEAR(t, 10 * M_PI * (i + 1) / num, 256 * eps); // a few roundings below 128, divided by 3
+            EXPECT_NEAR(y, yFactor == 0 ? std::fabs(std::sin(t)) : 2 * std::sin(t), 512 * eps);
+            EXPECT_TRUE((i + 1) * 10 % num != 0 || y == 0.0); // whole half periods
         }
     }
 }
 
 TEST(Shear, MovesByTheOldValuesAndClearsTheIndex) {
-    for (const auto& [shearX, shearY] : {std::pair(0.0, 0.0), {0.5, -3.0}}) {
-        std::vector<Point2> v(1, {4.0, 8.0, 7.0});
-        v[0].setCustomIndex(5);
-        shear(v, shearX, shearY);
-        EXPECT_TRUE(v[0].samePoint({4 + 8 * shearX, 8 + 4 * shearY, 7}) && v[0].getCustomIndex() == -1);
-    }
+    std::vector<Point2> v(1, {4.0, 8.0, 7.0});
+    v[0].setCustomIndex(5);
+    shear(v, 0.5, -3.0);
+    EXPECT_TRUE(v[0].samePoint({8.0, -4.0, 7.0}) && v[0].getCustomIndex() == -1);
 }

@@ -42,6 +42,9 @@ TEST(HilbertKey, CurveVisitsNeighbouringCellsAndRefinesItself) {
 
 TEST(HilbertSort, OneAndFourPartsSortKeysAndEntries) {
     std::mt19937_64 random(2);
+    const auto x = [](std::uint32_t i) { return 1.0 * (i * 7919 % 1000); };
+    const auto y = [](std::uint32_t i) { return 1.0 * (i * 104729 % 997); };
+    const auto isActive = [](const IdxVtx& entry) { return entry.bActive; };
     for (std::uint32_t n : {0, 1, 9999, 10000, 30000}) {
         for (int numCPU : {1, 3, 4, 8}) {
             SCOPED_TRACE(testing::Message() << n << " keys, CPUs: " << numCPU);
@@ -58,37 +61,22 @@ TEST(HilbertSort, OneAndFourPartsSortKeysAndEntries) {
             const KeyPosVector vInput = vKeys;
             sortKeys(vKeys, numCPU);
             expectSorted(vKeys, vInput);
+            refineEqualKeys(vKeys, x, y);
+            expectSorted(vKeys, vInput);
+            double length =
+                0.0; // of the path through the places, about 500 a step where neighbours are apart
+            for (std::size_t i = 1; i < n; ++i) {
+                const std::uint32_t from = vKeys[i - 1].pos, to = vKeys[i].pos;
+                length += std::hypot(x(to) - x(from), y(to) - y(from));
+            }
+            EXPECT_LE(length, (range == 5 ? 50.0 : 1000.0) * n);
             sortEntries(vEntries, std::min(n, n / 2 + 1), numCPU);
-            const auto isActive = [](const IdxVtx& entry) { return entry.bActive; };
             // In four parts the inactive entries deliberately stand at the end of each part.
             EXPECT_TRUE((n > 9999 && numCPU > 3) ||
                         std::is_partitioned(vEntries.begin(), vEntries.end(), isActive));
-            for (const IdxVtx& entry : vEntries) {
-                const auto pos = static_cast<std::uint32_t>(entry.pVtx - vPoints.data());
-                if (entry.bActive) vFound.push_back({entry.hcKey, pos});
-            }
+            for (const auto& [key, bActive, pVtx] : vEntries)
+                if (bActive) vFound.push_back({key, static_cast<std::uint32_t>(pVtx - vPoints.data())});
             expectSorted(vFound, vActive);
         }
     }
-}
-
-TEST(HilbertSort, RefinedRunsKeepKeysAndBringNeighboursTogether) {
-    std::mt19937_64 random(3);
-    std::vector<Point2> vPoints;
-    KeyPosVector vInput;
-    for (std::uint32_t i = 0; i < 3000; ++i) { // one run of many places, one of one place, short ones
-        vPoints.emplace_back(i < 2000 ? random() % 1000 : 5, i < 2000 ? random() % 1000 : 5, 0);
-        vInput.push_back({i < 2000 ? 7 : (i < 2500 ? 8 : 9 + i / 10), i});
-    }
-    KeyPosVector vKeys = vInput;
-    refineEqualKeys(
-        vKeys, [&](std::uint32_t i) { return vPoints[i].x(); },
-        [&](std::uint32_t i) { return vPoints[i].y(); });
-    expectSorted(vKeys, vInput);
-    double length = 0.0; // of the path through the first run, about 1000000 unsorted
-    for (std::size_t i = 1; i < 2000; ++i) {
-        const Point2 &a = vPoints[vKeys[i - 1].pos], &b = vPoints[vKeys[i].pos];
-        length += std::hypot(a.x() - b.x(), a.y() - b.y());
-    }
-    EXPECT_LT(length, 100000.0);
 }

@@ -24,23 +24,18 @@ struct Receiver : MsgBase {
 
 } // namespace
 
-TEST(Messages, InfoHasNoPrefixBehindAPlace) {
-    CoutCapture capture;
-    printInfo("", "text");
-    printInfo("here", "text"); // deliberately
-    EXPECT_EQ(capture.take(), "\n      [Kelm2D-Message] INFO: text\n\n\n      here, INFO: text\n\n");
-}
-
 TEST(Check, FailurePrintsLogsAndThrowsAndTheLogHoldsTheLastOnly) {
     ScratchDirectory scratch;
     CoutCapture capture;
-    const int n = 1;
     EXPECT_THROW(KELM_CHECK(false), KelmException);
-    EXPECT_THROW(KELM_CHECK(n == 2), KelmException);
-    EXPECT_EQ(readFile("KELM_LOG.txt"), "Kelm, Condition [ n == 2 failed ]\n");
-    const std::regex lines("\n      \\[Kelm2D-Message\\] Kelm, , ERROR: (Condition \\[ n == 2 failed \\])\n\n"
-                           "Kelm, \\1\n      .*messages_test\\.cpp:[0-9]+\n$");
-    EXPECT_TRUE(std::regex_search(capture.take(), lines));
+    EXPECT_THROW(KELM_CHECK(capture.take().empty()), KelmException);
+    EXPECT_EQ(readFile("KELM_LOG.txt"), "Kelm, Condition [ capture.take().empty() failed ]\n");
+    printInfo("", "text");
+    printInfo("here", "text"); // deliberately without the prefix
+    const std::regex lines("\n      \\[Kelm2D-Message\\] Kelm, , ERROR: (Condition \\[ .* failed \\])\n\n"
+                           "Kelm, \\1\n      .*messages_test\\.cpp:[0-9]+\n"
+                           "\n      \\[Kelm2D-Message\\] INFO: text\n\n\n      here, INFO: text\n\n");
+    EXPECT_TRUE(std::regex_match(capture.take(), lines));
     std::filesystem::remove("KELM_LOG.txt");
     std::filesystem::create_directory("KELM_LOG.txt"); // can't be written any more
     EXPECT_THROW(KELM_CHECK(false), KelmException);
@@ -105,15 +100,12 @@ TEST(Progress, ChildMovesItsParentBeforeItselfUnlessMuted) {
 
 TEST(Timer, NamesToggleAndRunSideBySide) {
     CoutCapture capture;
-    std::cout.precision(11);
     for (const char* name : {"short", "[quiet] other"})
         EXPECT_EQ(timer(name), -1.0);
     for (const char* name : {"[quiet] other", "short"})
         EXPECT_GE(timer(name), 0.0);
-    std::cout << 0.123456789; // neither the precision nor the fixed notation stays
-    const std::regex expected(
-        "...Timer .short. start\n...Timer .short. stop, elapsed time: [0-9]+\\.[0-9]{3} s\n"
-        "0.123457");
-    EXPECT_TRUE(std::regex_match(capture.take(), expected));
     EXPECT_EQ(timer("[quiet] other"), -1.0);
+    const std::regex lines(
+        "...Timer .short. start\n...Timer .short. stop, elapsed time: [0-9]+\\.[0-9]{3} s\n");
+    EXPECT_TRUE(std::regex_match(capture.take(), lines));
 }

@@ -6,41 +6,41 @@
 namespace {
 
 struct Mesh : Kelm_2D {
-    explicit Mesh(const std::vector<Point2>& v, bool bOneByOne = false) {
-        if (!bOneByOne) insert(v);
-        for (std::size_t i = 0; bOneByOne && i < v.size(); ++i)
-            insert(v[i]);
-        vTriangles = allTriangles(*this);
-        vVertices = allVertices(*this);
+    explicit Mesh(const std::vector<Point2>& v) {
+        for (const Point2& p : v)
+            insert(p);
+        getTrianglePointers(vTriangles);
+        getVertexPointers(vVertices);
     }
-    std::vector<Triangle2*> vTriangles;
-    std::vector<Point2*> vVertices;
+    std::vector<Triangle2*> vTriangles = {nullptr}; // these lists are to be emptied first
+    std::vector<Point2*> vVertices = {nullptr};
 };
 
 Point2 between(const Point2& a, const Point2& b, double t) {
     return Point2(a.x() + t * (b.x() - a.x()), a.y() + t * (b.y() - a.y()), 0.0);
 }
 
-/// Twice the number of places where a segment meets the mesh: ends over it, vertices passed, edges crossed.
-int countMeetingsTwice(Mesh& m, const Point2& s, const Point2& t) {
-    int n = 2 * (m.locate(s) != nullptr) + 2 * (m.locate(t) != nullptr);
-    for (const Point2* p : m.vVertices)
-        n += 2 * (std::min(s, t) < *p && *p < std::max(s, t) && exactOrientation(s, t, *p) == 0);
-    for (const Triangle2* pT : m.vTriangles) {
-        for (int i = 0; i < 3; ++i) {
-            const Point2 &a = *pT->getCorner(incIndexBy1(i)), &b = *pT->getCorner(incIndexBy2(i));
-            if (exactOrientation(s, t, a) * exactOrientation(s, t, b) < 0 &&
-                exactOrientation(a, b, s) * exactOrientation(a, b, t) < 0)
-                n += pT->getOppositeTriangle(i) == nullptr ? 2 : 1; // an inner edge comes again
-        }
+/// Nearly all points are on one straight line, but for the rounding.
+PointSet makeSlivers(unsigned seed) {
+    std::mt19937_64 random(seed);
+    std::uniform_real_distribution<double> unit(-10, 10);
+    const double slope = unit(random), shift = seed % 2 * unit(random);
+    PointSet set{"slivers " + std::to_string(seed), false, {}};
+    for (int i = 0; i < 35; ++i) {
+        const double x = unit(random), z = unit(random);
+        set.points.emplace_back(x, i < 30 ? slope * x + shift : 10 * z, z);
     }
-    return n;
+    return set;
 }
 
 } // namespace
 
 TEST(Location, TriangleAndHeightAgreeWithBruteForceEverywhere) {
-    for (const PointSet& set : makeAllKinds(40)) {
+    std::vector<PointSet> vSets = makeAllKinds(40);
+    for (unsigned seed = 0; seed < 100; ++seed)
+        vSets.push_back(makeSlivers(seed));
+    const CoutCapture quiet;
+    for (const PointSet& set : vSets) {
         SCOPED_TRACE(set.name);
         Mesh m(set.points);
         double z = 0.0;
@@ -69,9 +69,10 @@ TEST(Location, TriangleAndHeightAgreeWithBruteForceEverywhere) {
             ASSERT_EQ(std::any_of(m.vTriangles.begin(), m.vTriangles.end(), holdsQ), pT != nullptr) << q;
             ASSERT_EQ(pT != nullptr, m.getHeight(q.x(), q.y(), z)) << q;
             if (pT == nullptr) continue;
-            const auto [low, high] =
-                std::minmax({pT->getCorner(0)->z(), pT->getCorner(1)->z(), pT->getCorner(2)->z()});
+            const Point2 *a = pT->getCorner(0), *b = pT->getCorner(1), *c = pT->getCorner(2);
+            const auto [low, high] = std::minmax({a->z(), b->z(), c->z()});
             ASSERT_TRUE(holdsQ(pT) && low <= z && z <= high) << q << z;
+            ASSERT_NEAR(QuorTest().getHeightExact(a, b, c, q.x(), q.y()), z, 1e-6) << q;
         }
     }
 }
@@ -81,113 +82,63 @@ TEST(Neighbours, AgreeWithTheListOfTriangles) {
         Mesh m(set.points);
         for (Point2* p : m.vVertices) {
             std::set<Point2*> sExpected;
-            std::vector<Point2*> vFound;
-            std::vector<Triangle2*> vFan;
-            m.getIncidentTriangles(p, vFan);
-            std::size_t numTriangles = 0;
+            std::map<Triangle2*, Triangle2*> mNext; // counterclockwise; null, too, on the hull
             for (Triangle2* pT : m.vTriangles) {
                 if (!pT->hasVertex(p)) continue;
                 const int i = pT->getIntraTriangleIndex(p);
                 Point2 *pNext = pT->getCorner(incIndexBy1(i)), *pPrev = pT->getCorner(incIndexBy2(i));
                 Triangle2* pCCW = pT->getOppositeTriangle(incIndexBy1(i));
                 sExpected.insert({pNext, pPrev});
+                mNext[pT] = pCCW;
+                if (pT->getOppositeTriangle(incIndexBy2(i)) == nullptr) mNext[nullptr] = pT;
                 ASSERT_TRUE(m.getAdjacentTriangle(p, pNext) == pT && m.getAdjacentTriangle(p, pPrev) == pCCW);
-                const auto it = std::find(vFan.begin(), vFan.end(), pT);
-                ASSERT_TRUE(it != vFan.end() &&
-                            (pCCW == nullptr || pCCW == (it + 1 != vFan.end() ? it[1] : vFan[0])));
-                ++numTriangles;
             }
-            ASSERT_TRUE(vFan.size() == numTriangles && vFan[0] == p->getIncidentTriangle());
+            std::vector<Triangle2*> vFan;
+            m.getIncidentTriangles(p, vFan);
+            ASSERT_EQ(mNext.size() - mNext.count(nullptr), vFan.size());
+            TriangleAroundVertexIterator up(p, vFan[0]), down = up;
+            for (std::size_t k = 1; k <= 2 * mNext.size(); ++k) {
+                Triangle2 *pUp = mNext.at(*up), *pBefore = *down;
+                ASSERT_TRUE(up.previewNextTriangle() == pUp && *++up == pUp);
+                Triangle2* pDown = down.previewPrevTriangle();
+                ASSERT_TRUE(mNext.at(pDown) == pBefore && *--down == pDown);
+            }
+            std::vector<Point2*> vFound;
             m.getIncidentVertices(p, vFound);
             ASSERT_EQ(std::vector<Point2*>(sExpected.begin(), sExpected.end()), vFound);
             for (Point2* q : m.vVertices)
-                ASSERT_TRUE(p == q || sExpected.count(q) != 0 || m.getAdjacentTriangle(p, q) == nullptr);
+                ASSERT_TRUE(p == q || sExpected.count(q) != 0 || !m.getAdjacentTriangle(p, q));
         }
     }
 }
 
 TEST(ConvexHull, GoesOnceAroundAllVerticesFromTheLowerLeft) {
-    std::vector<std::vector<Point2>> vSets = {
-        {{0, 0, 0}, {2, 2, 0}, {-1, -1, 0}, {0, 2, 0}}, // the box meets the hull
-        {{1e15, 1e15, 0}, {1e15 + 0.125, 1e15, 0}, {1e15, 1e15 + 0.125, 0}},
-        {{5e-324, 0, 0}, {0, 5e-324, 0}, {0, 0, 0}}, // and the ends of doubles
-        {{-1.7e308, -1.7e308, 0}, {1.7e308, -1.7e308, 0}, {0, 1.7e308, 0}}};
-    for (const PointSet& set : makeAllKinds(150))
-        vSets.push_back(set.points);
+    std::vector<PointSet> vSets = makeAllKinds(150);
+    vSets.push_back({"huge", true, {{-1.7e308, -1.7e308, 0}, {1.7e308, -1.7e308, 0}, {0, 1.7e308, 0}}});
     std::mt19937_64 random(8);
-    const auto digit = [&] { return static_cast<double>(random() % 9); };
     for (int i = 0; i < 2000; ++i) { // often on the border of the doubled box of those before
-        vSets.emplace_back(6);
-        for (Point2& p : vSets.back())
-            p = Point2(digit(), digit(), 0);
+        vSets.push_back({"digits " + std::to_string(i), false, {}});
+        for (int k = 0; k < 6; ++k)
+            vSets.back().points.emplace_back(random() % 9, random() % 9, 0);
     }
-    for (const std::vector<Point2>& vPoints : vSets) {
-        SCOPED_TRACE(&vPoints - vSets.data());
-        Mesh m(vPoints, vPoints.size() < 150);
+    for (const PointSet& set : vSets) {
+        SCOPED_TRACE(set.name);
+        Mesh m(set.points);
         if (!m.is2D()) continue;
-        Bbox2 box;
+        const std::vector<Point2*> vHull = hullVertices(m);
+        std::set<Point2*> sExpected(vHull.begin(), vHull.end());
         for (const bool bAll : {true, false}) {
             std::vector<Point2*> v;
             m.getConvexHull(bAll, v);
-            ASSERT_TRUE(std::set<Point2*>(v.begin(), v.end()).size() == v.size() && v.size() >= 3);
-            box.add(v.begin(), v.end());
+            EXPECT_TRUE(v.size() == sExpected.size() && sExpected == std::set<Point2*>(v.begin(), v.end()));
             for (std::size_t i = 0; i < v.size(); ++i) {
-                const Point2 &a = *v[i], &b = *v[(i + 1) % v.size()], &c = *v[(i + 2) % v.size()];
-                ASSERT_TRUE(bAll || exactOrientation(a, b, c) > 0);
-                for (const Point2* p : m.vVertices) {
-                    const int side = exactOrientation(a, b, *p);
-                    const bool bInEdge = side == 0 && std::min(a, b) < *p && *p < std::max(a, b);
-                    ASSERT_TRUE(side >= 0 && !(*p < *v[0]) && !(bAll && bInEdge)) << *p;
-                }
+                Point2 *a = v[i], *b = v[(i + 1) % v.size()], *c = v[(i + 2) % v.size()];
+                const int turn = exactOrientation(*a, *b, *c);
+                ASSERT_TRUE(turn + bAll > 0 && !(*a < *v[0]));
+                if (turn == 0) sExpected.erase(b);
             }
         }
-        EXPECT_TRUE(box.getMinPoint() == m.computeBoundingBox().getMinPoint() &&
-                    box.getMaxPoint() == m.computeBoundingBox().getMaxPoint());
     }
-}
-
-TEST(Queries, SliversAlongARoundedLineKeepHeightsAndDrapedLinesInOrder) {
-    std::mt19937_64 random(17);
-    std::uniform_real_distribution<double> unit(-10, 10);
-    QuorTest exact;
-    CoutCapture capture;
-    for (int round = 0; round < 200; ++round) {
-        const double slope = unit(random), shift = round % 2 * unit(random);
-        std::vector<Point2> v;
-        for (int i = 0; i < 30; ++i) {
-            const double x = unit(random);
-            v.emplace_back(x, slope * x + shift, unit(random)); // on a straight line but for the rounding
-        }
-        for (int i = 0; i < 5; ++i)
-            v.emplace_back(unit(random), 10 * unit(random), unit(random));
-        Mesh m(v);
-        exact.setRange(1e3);
-        std::vector<Segment2> vIn, vOut;
-        for (unsigned i = 0; i < 60; ++i) {
-            const double x = unit(random);
-            const Point2 p(x, slope * x + shift, 0);
-            vIn.insert(vIn.end(), {{p, v[i % v.size()]}, {v[i % v.size()], p}});
-            const Triangle2* pT = m.locate(p);
-            double z = 0.0;
-            if (pT == nullptr) continue;
-            ASSERT_TRUE(m.getHeight(p.x(), p.y(), z));
-            const Point2 *a = pT->getCorner(0), *b = pT->getCorner(1), *c = pT->getCorner(2);
-            ASSERT_NEAR(exact.getHeightExact(a, b, c, p.x(), p.y()), z, 1e-6);
-        }
-        for (std::size_t i = 0; i < 2 * vIn.size(); ++i) {
-            std::vector<Segment2> vOne{vIn[i / 2]};
-            vOut.clear();
-            m.drape(vOne, vOut, i % 2 == 0 ? -1.0 : 0.0);
-            const Vector2 way = vOne[0].getTrg() - vOne[0].getSrc();
-            for (const Segment2& piece : vOut) {
-                const Vector2 step = piece.getTrg() - piece.getSrc();
-                const bool bAlongX = std::fabs(way.x()) >= std::fabs(way.y());
-                ASSERT_GT(bAlongX ? step.x() * way.x() : step.y() * way.y(), 0.0) << vOne[0];
-            }
-        }
-        m.drape(vIn, vIn, 0.5); // one sequence for both
-    }
-    EXPECT_EQ("", capture.take());
 }
 
 TEST(Height, OutsideTheHullIsTheBorderAtTheNearestPlaceWithinTolerance) {
@@ -234,15 +185,18 @@ TEST(Drape, PiecesFollowTheSurface) {
             std::vector<Segment2> vIn{{s, t}, {s, s}};
             SCOPED_TRACE(testing::Message() << set.name << vIn[0]);
             ASSERT_EQ(s == t || (bSrc && bTrg), m.drape(vIn, vOut, -1.0));
-            const int numPieces = s == t ? 0 : std::max(countMeetingsTwice(m, s, t) / 2 - 1, 0);
-            ASSERT_EQ(first + numPieces, vOut.size());
+            const bool bMeets =
+                s != t && (bSrc + bTrg > 1 || (set.bGeneral && m.locate(between(s, t, 0.5)) != nullptr));
+            const std::size_t numPieces = vOut.size() - first;
+            ASSERT_TRUE(bMeets ? numPieces > 0 : s != t || numPieces == 0);
             if (numPieces == 0) continue;
             ASSERT_TRUE((!bSrc || s == vOut[first].getSrc()) && (!bTrg || t == vOut.back().getTrg()));
             double length = -std::sqrt(Segment2(vOut[first].getSrc(), vOut.back().getTrg()).getSqLen2D());
             for (std::size_t k = first; k < vOut.size(); ++k) {
                 ASSERT_TRUE(k == first || vOut[k - 1].getTrg().samePoint(vOut[k].getSrc()));
                 length += std::sqrt(vOut[k].getSqLen2D());
-                for (const Point2& p : {vOut[k].getSrc(), vOut[k].getTrg()}) {
+                const Point2 src = vOut[k].getSrc(), trg = vOut[k].getTrg();
+                for (const Point2& p : {src, trg, src + (trg - src) * 0.5}) { // in one triangle
                     double z = 0.0;
                     ASSERT_LE(getPointLineDistance2D(s, t, p), delta);
                     ASSERT_TRUE(m.getHeight(p.x(), p.y(), z, nullptr, delta));
@@ -252,6 +206,26 @@ TEST(Drape, PiecesFollowTheSurface) {
             ASSERT_NEAR(0.0, length, delta * numPieces);
         }
     }
+}
+
+TEST(Drape, PiecesAlongSliversGoForwardWithoutAWord) {
+    CoutCapture capture;
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        Mesh m(makeSlivers(seed).points);
+        for (const Point2* p : m.vVertices) { // moved onto the line of most
+            const Point2 &a = *m.vVertices[0], q = between(a, *m.vVertices[1], 0.1 * p->x());
+            for (const Segment2& whole : {Segment2(q, a), Segment2(a, q), Segment2(q, *p), Segment2(*p, q)}) {
+                std::vector<Segment2> v{whole};
+                m.drape(v, v, seed % 4 - 1.0); // one sequence for both
+                const Vector2 way = whole.getTrg() - whole.getSrc();
+                for (const Segment2& piece : v) {
+                    const Vector2 step = piece.getTrg() - piece.getSrc();
+                    ASSERT_GT(step.x() * way.x() + step.y() * way.y(), 0.0) << seed << piece;
+                }
+            }
+        }
+    }
+    EXPECT_EQ("", capture.take());
 }
 
 TEST(Drape, ThinningOfTerrainKeepsHeightsWithinTolerance) {
@@ -304,13 +278,8 @@ TEST(Validity, TellsWhatIsBrokenUntilItIsMended) {
         k == 3 ? Mesh2::flip(pT, pT->getIntraTriangleIndex(pN)) : void(*pT = saved);
         ASSERT_VALID_MESH(m);
     }
-    for (const auto& entry : std::filesystem::directory_iterator(".")) {
-        const std::string name = entry.path().filename().string().substr(5); // behind the count
-        EXPECT_TRUE(name == "_badEmptyCircle.ps" || name == "_currentState.ps") << name;
-    }
     EXPECT_FALSE(std::filesystem::is_empty("."));
-    capture.take();
     m.statistics("hill");
-    const std::string title = "\n\n\n********* MESH STATISTICS (hill) **********\n\nNumber of triangles: ";
-    EXPECT_EQ(0U, capture.take().find(title + std::to_string(m.vTriangles.size())));
+    const std::string title = " MESH STATISTICS (hill) **********\n\nNumber of triangles: ";
+    EXPECT_TRUE(capture.printed(title + std::to_string(m.vTriangles.size())));
 }

@@ -1,4 +1,5 @@
-// Rings out of segments and of edges, simple polygons, and borders, edges and parts of triangle sets.
+// Rings out of segments and of edges, simple polygons, and edges and parts of triangle sets; their borders
+// are tested with the zones.
 // Rings among constraints are tested with the constraint graphs.
 #include "testing.h"
 
@@ -6,7 +7,6 @@
 #include "zoneModel.h"
 
 #include <deque>
-#include <regex>
 
 namespace {
 
@@ -82,30 +82,24 @@ TEST(SortRing, AnyOrderAndDirectionGiveTheRing) {
 TEST(SortRing, WhatIsNoRingIsRefusedAndKept) {
     // Below the square and collinear with its lower side, which only counts if it is seen before the winner.
     const Segments below = ringOf({square[0], {1, -1, 0}, {1, 0, 0}});
-    const std::string sorted = "Message\\] sortRing\\(\\), WARNING: Not a ring";
-    const std::string ccw =
-        R"(Message\] bool QUOR_KELM25D::sortRingCCW\(std::vector<Segment2>&\) \d+, WARNING: not a ring )";
-    const std::tuple<Segments, std::string, std::string> aCase[] = {
-        // segments, what sortRing prints and what sortRingCCW prints; "true" for success
-        {{}, "", ""},
-        {{ring[0]}, "Distance=1\n[^]*" + sorted + "1", ccw + "1"},
-        {openRing, "Distance=1\n[^]*" + sorted + "1", ccw + "1"},
-        {ring + touching, "Distance=4\n[^]*" + sorted + "1", "true"},
-        {{ring[0], ring[0]}, "true", ccw + "0"},
-        {Segments{{square[0], square[0]}} + ring, "true", ccw + "0"},
-        {ring + below, "true", ccw + "0"},
-        {below + ring, "true", "true"},
-        {ring + Segments{{far, {INFINITY, 0, 0}}}, sorted + "3", "sortRingCCW\\(\\), WARNING: Not a ring3"}};
-    for (const auto& [vIn, patternSort, patternCCW] : aCase) {
+    const std::tuple<Segments, bool, bool> aCase[] = {
+        {{}, false, false}, // a ring, and with sortRingCCW
+        {openRing, false, false},
+        {ring + touching, false, true},
+        {{ring[0], ring[0]}, true, false},
+        {Segments{{square[0], square[0]}} + ring, true, false},
+        {ring + below, true, false},
+        {below + ring, true, true},
+        {ring + Segments{{far, {INFINITY, 0, 0}}}, false, false}};
+    for (const auto& [vIn, bSorted, bSortedCCW] : aCase) {
         for (const bool bCCW : {false, true}) {
+            SCOPED_TRACE(testing::Message() << vIn.size() << ' ' << bCCW);
             CoutCapture capture;
             Segments v = vIn;
             const bool bRing = bCCW ? sortRingCCW(v) : sortRing(v);
-            const std::string printed = capture.take(), pattern = bCCW ? patternCCW : patternSort;
-            EXPECT_EQ(bRing, pattern == "true") << pattern << printed;
-            EXPECT_EQ(printed.empty(), bRing || pattern.empty()) << pattern << printed;
-            const bool bMatch = std::regex_search(printed, std::regex(pattern));
-            EXPECT_TRUE(bRing || (bMatch && isSame(v, vIn))) << pattern << printed;
+            EXPECT_EQ(bRing, bCCW ? bSortedCCW : bSorted);
+            EXPECT_EQ(capture.printed("WARNING: "), !bRing && !vIn.empty());
+            EXPECT_TRUE(bRing || isSame(v, vIn));
         }
     }
 }
@@ -197,26 +191,14 @@ TEST(EdgesToPolygons, BordersBecomeChainsBySharpestRightTurns) {
     EXPECT_GT(numChoices, 100);
 }
 
-TEST(EdgesToPolygons, OpenChainsRemain) {
-    const HalfMesh mesh(square);
-    Edges hull = borderEdges(mesh.vAll), vRest{hull[0]};
-    ASSERT_TRUE(sortRingEdges(hull)); // from the lower left corner
-    std::vector<Edges> vvChains(1);
-    edgesToPolygons({}, vvChains, vRest);
-    edgesToPolygons({hull[2], hull[0], hull[1]}, vvChains, vRest);
-    EXPECT_TRUE(vvChains.size() == 1 && vRest.size() == 4);
-}
-
 TEST(IsSimplePolygon, ClosedAndWithoutCrossing) {
     const std::pair<bool, Segments> aCase[] = {
         {true, ring},
         {true, ring + Segments{{far, {9, 9, 5}}}}, // equal but for the height: left out
-        {true, ring + away},
         {true, ring + touching},
         {true, ring + ring},                         // the same constraints twice
         {true, ringOf({far, {8, 8, 0}, {5, 5, 0}})}, // on one line
         {false, {}},
-        {false, {{far, far}}},
         {false, openRing},
         {false, ringOf({square[0], square[2], square[1], square[3]})},
         {false, ring + ringOf({{1, 1, 0}, {5, 1, 0}, {5, 2, 0}})},
@@ -232,15 +214,8 @@ TEST(IsSimplePolygon, ClosedAndWithoutCrossing) {
     }
 }
 
-TEST(TriangleSets, BordersEdgesAndComponentsAreThoseOfBruteForce) {
+TEST(TriangleSets, EdgesAndComponentsAreThoseOfBruteForce) {
     const HalfMesh mesh(makeAllKinds(60)[0].points);
-    for (const Triangles& vT : {mesh.vHalf, mesh.vAll}) {
-        Segments vBorder, vExpected;
-        getBorders(vT, vBorder);
-        for (const Edge2& edge : borderOf(vT))
-            vExpected.emplace_back(*edge.getSrc(), *edge.getTrg());
-        EXPECT_TRUE(isSame(vBorder, vExpected));
-    }
     const auto pairOf = [](const Edge2& edge) { return VertexPair2(edge.getSrc(), edge.getTrg()); };
     Edges v, vDirected;
     getDirectedEdges(mesh.vHalf, v); // these are sorted along, and then there twice

@@ -3,6 +3,7 @@
 #include "testing.h"
 
 using namespace std::filesystem;
+using namespace std::string_literals;
 
 TEST(WebScene, DirectoriesAreMadeUnlessSomethingElseIsThere) {
     const ScratchDirectory scratch;
@@ -16,31 +17,24 @@ TEST(WebScene, DirectoriesAreMadeUnlessSomethingElseIsThere) {
 TEST(WebScene, TextsAreWrittenOrReported) {
     const ScratchDirectory scratch;
     CoutCapture captured;
-    for (const char* name : {"jsc3d.3ds.js", "jsc3d.ie.js", "jsc3d.webgl.js", "jsc3d.js", "jsc3d.console.js",
-                             "jsc3d.ctm.js", "jsc3d.touch.js", "index.html"}) {
+    for (const char* name : {"jsc3d.webgl.js", "jsc3d.js", "index.html"}) { // which depends on the build
         fileReplicate(name, ".");
-        // Whether the viewer jsc3d.js is held depends on the build.
-        const bool bReported = captured.take().find(std::string("ERROR: ") + name) != std::string::npos;
-        EXPECT_NE(exists(name), bReported) << name;
+        EXPECT_NE(exists(name), captured.printed(std::string("ERROR: ") + name)) << name;
     }
-    EXPECT_FALSE(exists("jsc3d.webgl.js"));
     fileReplicate("3d.obj", ".");
     EXPECT_TRUE(captured.printed("fileReplicate, ERROR: unknown file 3d.obj"));
     fileReplicate("index.html", "missing");
     EXPECT_TRUE(captured.printed("WARNING: missing/index.html not writeable"));
-
     Kelm_2D dt;
     dt.insert({Point2(0, 0, 1), Point2(4, 0, 2), Point2(0, 4, 3)});
     dt.writeObj("expected.obj");
     createDirectory("web/scene");
-    for (const char* name : {"index.html", "3d.obj", "own.txt"})
-        std::ofstream(std::string("web/scene/") + name) << "old";
+    std::ofstream("web/scene/3d.obj") << "old";
     dt.writeWebScene("web/scene");
     EXPECT_EQ(captured.take().rfind("writeWebScene: Creating web/scene\n", 0), 0u);
     EXPECT_EQ(file_size("web/scene/3d.obj"), file_size("expected.obj"));
-    EXPECT_EQ(file_size("web/scene/own.txt"), 3u);
-    for (const char* name : {"index.html", "jsc3d.js", "jsc3d.ctm.js", "jsc3d.touch.js"})
-        EXPECT_TRUE(!exists(name) || file_size(path("web/scene") / name) == file_size(name)) << name;
+    for (const char* name : {"index.html", "jsc3d.js"})
+        EXPECT_EQ(readFile("web/scene/"s + name), readFile(name)) << name;
     dt.writeWebScene("expected.obj");
     EXPECT_TRUE(captured.printed("WARNING: Can't create directory expected.obj"));
 }

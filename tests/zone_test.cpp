@@ -4,13 +4,10 @@
 
 #include "zoneModel.h"
 
-#include <functional>
 #include <memory>
 #include <regex>
 
 namespace {
-
-#define ASSERT_ZONE(dt, model) ASSERT_EQ("", findZoneFault(dt, model)) << "seed " << seed
 
 std::vector<Segment2> circle(double x, double y, double r, unsigned n) {
     std::vector<Point2> v;
@@ -97,42 +94,31 @@ struct Scene {
     std::vector<std::unique_ptr<ZoneModel>> vModels;
 };
 
+// As long as no constraint bends, bounded zones keep their areas.
 TEST(Zones, FollowTheMeshThroughEveryChange) {
     for (unsigned seed = 1; seed <= 4; ++seed) {
         Scene scene(seed);
         scene.bBend = seed % 2 == 0;
-        for (int step = 0; step < 12; ++step) {
-            for (const auto& pModel : scene.vModels)
-                ASSERT_ZONE(scene.dt, *pModel);
-            for (int i = 0; i < 5; ++i)
-                scene.change();
-        }
-    }
-}
-
-TEST(Zones, BoundedZoneKeepsItsAreaWhateverComesLater) {
-    for (unsigned seed = 1; seed <= 3; ++seed) {
-        Scene scene(seed);
         for (std::size_t i = 0, n = scene.vModels.size(); i < n; ++i) {
             const ZoneModel model = *scene.vModels[i];
-            const Triangles vBefore = trianglesOf(*model.pZone);
+            const std::set<Triangle2*> sBefore = setOf(*model.pZone);
             Zone2* pBounded = model.pZone->convertToBoundedZone();
-            if (vBefore.empty() || model.location == ZL_INSIDE) {
-                ASSERT_EQ(vBefore.empty() ? nullptr : model.pZone, pBounded);
+            if (sBefore.empty() || model.location == ZL_INSIDE) {
+                ASSERT_EQ(sBefore.empty() ? nullptr : model.pZone, pBounded);
                 continue;
             }
-            ASSERT_EQ(std::set<Triangle2*>(vBefore.begin(), vBefore.end()), setOf(*pBounded));
+            ASSERT_EQ(sBefore, setOf(*pBounded));
             scene.add({pBounded, ZL_BOUNDED, {pBounded->getConstraintGraph()}});
         }
-        std::vector<double> vAreas;
-        for (const auto& pModel : scene.vModels)
-            vAreas.push_back(pModel->pZone->getArea2D());
-        for (int i = 0; i < 60; ++i)
+        std::map<const Zone2*, double> mAreas;
+        for (int i = 0; i < 60; ++i) {
+            for (const auto& pModel : scene.vModels) {
+                ASSERT_EQ("", i % 6 == 0 ? findZoneFault(scene.dt, *pModel) : "") << "seed " << seed;
+                if (scene.bBend || pModel->location != ZL_BOUNDED) continue;
+                const double area = pModel->pZone->getArea2D();
+                ASSERT_NEAR(mAreas.emplace(pModel->pZone, area).first->second, area, 1e-9); // 500 roundings
+            }
             scene.change();
-        for (std::size_t i = 0; i < scene.vModels.size(); ++i) {
-            ASSERT_ZONE(scene.dt, *scene.vModels[i]);
-            if (scene.vModels[i]->location != ZL_BOUNDED) continue;
-            ASSERT_NEAR(vAreas[i], scene.vModels[i]->pZone->getArea2D(), 1e-9); // sums of some 500 roundings
         }
     }
 }
@@ -204,25 +190,15 @@ TEST(Zones, PeelingTakesWhatAgreesFromOutsideInwards) {
 // Islands with lakes, nested: what the ring of each island encloses has the area of the ring.
 TEST(Zones, NestedRingsEncloseTheirAreas) {
     std::mt19937 random(5);
-    std::uniform_real_distribution<double> bend(0.7, 1.0);
+    std::uniform_real_distribution<double> offset(-950, 950);
     Kelm_2D dt;
     for (int i = 0; i < 8000; ++i) // for zones of many triangles, which are flooded in another way
-        dt.insert(Point2(4e6 + 900 * (bend(random) - 0.85) * 7, 5e5 + 900 * (bend(random) - 0.85) * 7, 0));
+        dt.insert(Point2(4e6 + offset(random), 5e5 + offset(random), 0));
     std::vector<ConstraintGraph2*> vRings;
     std::vector<double> vAreas;
     for (const double radius : {900.0, 600.0, 400.0, 250.0, 100.0}) {
-        std::vector<Point2> vCorners;
-        double area = 0.0;
-        for (int i = 0; i < 300; ++i) {
-            const double r = radius * bend(random), angle = i * 6.283185307179586 / 300;
-            vCorners.emplace_back(4e6 + r * std::cos(angle), 5e5 + r * std::sin(angle), 0);
-        }
-        for (const Segment2& side : ringOf(vCorners)) {
-            const double x0 = side.getSrc().x() - 4e6, x1 = side.getTrg().x() - 4e6;
-            area += (x0 * (side.getTrg().y() - 5e5) - x1 * (side.getSrc().y() - 5e5)) / 2;
-        }
-        vAreas.push_back(area);
-        vRings.push_back(dt.createConstraint(ringOf(vCorners), CIS_CONSTRAINED_DELAUNAY));
+        vRings.push_back(dt.createConstraint(circle(4e6, 5e5, radius, 300), CIS_CONSTRAINED_DELAUNAY));
+        vAreas.push_back(150 * radius * radius * std::sin(std::acos(-1) / 150));
     }
     Zone2* pStripes = nullptr; // the first ring without the second, with the third, and so on
     for (std::size_t i = 0; i < vRings.size(); ++i) {
@@ -239,11 +215,7 @@ TEST(Zones, NestedRingsEncloseTheirAreas) {
     }
     EXPECT_NEAR(vAreas[0] - vAreas[1] + vAreas[2] - vAreas[3] + vAreas[4], pStripes->getArea2D(),
                 1e-6 * vAreas[0]);
-    std::vector<Point2*> vCorners;
-    pStripes->getVertices(vCorners);
-    const auto isLeft = [](const Point2* a, const Point2* b) { return *a < *b; };
-    EXPECT_EQ((*std::min_element(vCorners.begin(), vCorners.end(), isLeft))->x(),
-              pStripes->getBoundingBox().get_minX());
+    EXPECT_EQ(4e6 + 900, pStripes->getBoundingBox().get_maxX());
     EXPECT_FALSE(zoneDifference(pStripes, pStripes)->getBoundingBox().isValid());
     Zone2* pMany = pStripes; // chains of results are evaluated without recursion, and each zone once
     for (int i = 0; i < 20000; ++i)
@@ -255,37 +227,25 @@ TEST(Zones, StatisticsAndFilesShowTheZone) {
     Kelm_2D dt;
     dt.insert({{0, 0, 0}, {4, 0, 0}, {2, 5, 0}, {2, -5, 5}}); // two triangles, 45 degrees over the x axis
     Zone2 *pAll = dt.createZone(nullptr, ZL_GLOBAL), *pFirst = dt.createZone({dt.locate({2, 1, 0})});
+    const ScratchDirectory scratch;
     CoutCapture capture;
     pFirst->statistics("one");
-    EXPECT_TRUE(
-        capture.printed("\n\n\n********* ZONE STATISTICS (one) **********\n\nNumber of triangles: 1\n"));
+    EXPECT_TRUE(capture.printed("(one) **********\n\nNumber of triangles: 1\n"));
     pAll->analyzeAngles();
-    EXPECT_EQ("\nanalyzeAngles(): \nAverage angle=45\nAverage angle >10=45\nNumAngleGt10=2\n",
-              capture.take());
-    Kelm_2D single;
-    single.insert({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
-    single.createZone(nullptr, ZL_GLOBAL)->analyzeAngles();
-    EXPECT_TRUE(capture.printed("nan\nAverage angle >10="));
-
-    const ScratchDirectory scratch;
+    EXPECT_TRUE(capture.printed("Average angle=45\nAverage angle >10=45\nNumAngleGt10=2\n"));
+    dt.writeObj("zone.obj", pFirst);
+    pAll->showGeomview("zone.list", "0 1 1 1");
+    pFirst->show("border.ps", false, true);
+    pFirst->show("full.ps", true, true);
     const auto countOf = [](const std::string& filename, const std::string& part) {
         const std::string text = readFile(filename);
         const std::regex all(part);
         return std::distance(std::sregex_iterator(text.begin(), text.end(), all), {});
     };
-    dt.writeObj("zone.obj", pFirst);
     EXPECT_EQ(3, countOf("zone.obj", "v "));
     EXPECT_EQ(1, countOf("zone.obj", "f 1 2 3"));
-    dt.writeWebScene("scene", pFirst);
-    EXPECT_EQ(readFile("zone.obj"), readFile("scene/3d.obj"));
-    pAll->showGeomview("zone.list", "0 1 1 1");
     EXPECT_EQ(2, countOf("zone.list", " 0 1 1 1"));
-    pFirst->show("border.ps", false, true);
-    pFirst->show("full.ps", true, true);
-    pFirst->debug("");
-    const int numLines = countOf("border.ps", "lineto");
-    EXPECT_EQ(numLines + 2, countOf("full.ps", "lineto")); // of five edges instead of three
-    EXPECT_LT(0, countOf("debug.ps", "lineto"));
+    EXPECT_EQ(countOf("border.ps", "lineto") + 2, countOf("full.ps", "lineto")); // of five edges, not three
 }
 
 } // namespace

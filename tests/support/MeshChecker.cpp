@@ -3,13 +3,15 @@
 
 #include "MeshChecker.h"
 
+#include "Mesh2.h"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <gmpxx.h>
-#include <initializer_list>
 #include <iterator>
 #include <map>
+#include <set>
 #include <sstream>
 #include <unordered_map>
 #include <unordered_set>
@@ -79,26 +81,11 @@ std::string findConstraintVertexFault(const Kelm_2D& dt, const std::vector<Point
 std::string findFaultBeforeTwoDimensional(const Kelm_2D& dt, std::vector<Point2*>& vVertices) {
     if (dt.numberOfTriangles() != 0) return "triangles before is2D";
     std::sort(vVertices.begin(), vVertices.end(), [](Point2* a, Point2* b) { return *a < *b; });
-    for (std::size_t i = 0; i + 1 < vVertices.size(); ++i) {
-        if (*vVertices[i] == *vVertices[i + 1]) return "two waiting vertices at one place";
+    for (std::size_t i = 0; i < vVertices.size(); ++i) {
+        if (i > 0 && *vVertices[i - 1] == *vVertices[i]) return "two waiting vertices at one place";
         if (exactOrientation(*vVertices.front(), *vVertices[i], *vVertices.back()) != 0)
             return "waiting vertices that are not collinear";
-    }
-    for (const Point2* pVtx : vVertices)
-        if (pVtx->getIncidentTriangle() != nullptr) return "a waiting vertex with a triangle";
-    return "";
-}
-
-std::string findVertexFault(const std::vector<Point2*>& vVertices, const Mesh& vTriangles) {
-    std::unordered_set<const Triangle2*> sTriangles(vTriangles.begin(), vTriangles.end());
-    std::unordered_set<const Point2*> sUsed;
-    for (const Triangle2* pT : vTriangles)
-        for (int i = 0; i < 3; ++i)
-            sUsed.insert(pT->getCorner(i));
-    if (sUsed.size() != vVertices.size()) return "vertices of the mesh and of the store differ in number";
-    for (const Point2* pVtx : vVertices) {
-        const Triangle2* pT = pVtx->getIncidentTriangle();
-        if (sTriangles.count(pT) == 0 || !pT->hasVertex(pVtx)) return "a bad incident triangle";
+        if (vVertices[i]->getIncidentTriangle() != nullptr) return "a waiting vertex with a triangle";
     }
     return "";
 }
@@ -136,23 +123,21 @@ std::string findTriangleFault(const Kelm_2D& dt, const Mesh& vTriangles, bool bE
 
 std::string findHullFault(const std::unordered_map<const Point2*, const Point2*>& mHullNext) {
     if (mHullNext.size() < 3) return "a hull of fewer than three edges";
-    const Point2 *pStart = mHullNext.begin()->first, *pVtx = pStart;
     // Locally convex and once around: a closed polygon with no clockwise turn whose edge directions turn just
-    // once is convex; the directions' turns are counted where the edges pass from below to above.
+    // once is convex; the directions' turns are counted where the edges pass from below to above. Every hull
+    // vertex has an edge that comes and one that goes, since neighbours are symmetric.
+    const Point2 *const pStart = mHullNext.begin()->first, *pVtx = pStart;
+    std::size_t numEdges = 0;
     int numTurns = 0;
-    for (std::size_t i = 0; i < mHullNext.size(); ++i) {
-        if (i > 0 && pVtx == pStart) return "a hull in several pieces";
-        const auto itNext = mHullNext.find(pVtx);
-        const auto itSecond = itNext == mHullNext.end() ? itNext : mHullNext.find(itNext->second);
-        if (itSecond == mHullNext.end()) return "a hull that is not closed";
-        const Point2 &a = *pVtx, &b = *itNext->second, &c = *itSecond->second;
+    do {
+        const Point2 &a = *pVtx, &b = *mHullNext.at(&a), &c = *mHullNext.at(&b);
         if (exactOrientation(a, b, c) < 0) return "a hull that is not convex";
         numTurns += b < a && b < c;
+        ++numEdges;
         pVtx = &b;
-    }
-    if (pVtx != pStart) return "a hull that does not close";
-    if (numTurns != 1) return "a hull that winds more than once";
-    return "";
+    } while (pVtx != pStart && numEdges < mHullNext.size());
+    if (pVtx != pStart || numEdges != mHullNext.size()) return "a hull that is no ring";
+    return numTurns == 1 ? "" : "a hull that winds more than once";
 }
 
 /// A segment and the end at which a walk enters it.
@@ -188,14 +173,18 @@ bool isNear(const Point2& s, const Point2& a, const Point2& b) {
     return distance <= 1.000001e-6 + std::ldexp(magnitude, -49);
 }
 
-std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const SegmentMap& mAll) {
+std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const SegmentMap& mAll, bool bMayWait) {
     for (ConstraintSegment2* pSegment : vAll) {
         Point2 *p0 = pSegment->getSrc(), *p1 = pSegment->getTrg();
         if (!std::less<const Point2*>()(p0, p1)) return "ends out of order:" + describe(pSegment);
         if (pSegment->getNumberOfOwners() == 0) return "a segment without owner:" + describe(pSegment);
         if (isLookupWrong(dt, p0, p1, pSegment->isAlive() ? pSegment : nullptr))
             return "a wrong answer about a segment:" + describe(pSegment);
-        if (pSegment->isAlive()) continue;
+        if (pSegment->isAlive()) {
+            if (!bMayWait && Mesh2::findEdge(p0, p1).getTriangle() == nullptr)
+                return "an alive segment that is no edge:" + describe(pSegment);
+            continue;
+        }
         const auto [kid0, kid1] = childrenOf({pSegment, p0});
         const Point2* pSplit = kid1.second;
         if (pSplit == p0 || pSplit == p1 || !joins(kid0.first, p0, pSplit) || !joins(kid1.first, pSplit, p1))
@@ -207,109 +196,62 @@ std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const Segm
     return "";
 }
 
-std::string findEdgeFault(const Kelm_2D& dt, const Segments& vAlive) {
-    SegmentMap mMissing = mapByEnds(vAlive);
-    for (const Triangle2* pT : allTriangles(dt))
-        for (int i = 0; i < 3; ++i)
-            mMissing.erase(pairOf(pT->getCorner(i), pT->getCorner(incIndexBy1(i))));
-    return mMissing.empty() ? "" : "an alive segment that is no edge:" + describe(mMissing.begin()->second);
-}
-
 /// Appends all segments of the split tree below, in the order of the walk, a parent before its children. The
 /// children have been checked before: the alive ones among these are a chain from end to end.
 /// @return false if a segment is a piece of itself
-bool walk(const Step& root, std::size_t numSegments, std::vector<Step>& vSteps) {
-    std::vector<std::pair<Step, std::size_t>> vStack{{root, 0}}; // with its depth in the tree
+bool walk(const Step& root, std::vector<Step>& vSteps) {
+    std::vector<Step> vStack{root};
     while (!vStack.empty()) {
-        const Step step = vStack.back().first;
-        const std::size_t depth = vStack.back().second;
+        const Step step = vStack.back();
         vStack.pop_back();
-        if (depth > numSegments) return false;
+        if (vSteps.size() > 1000000) return false;
         vSteps.push_back(step);
         if (step.first->isAlive()) continue;
         const auto [kid0, kid1] = childrenOf(step);
-        vStack.push_back({kid1, depth + 1});
-        vStack.push_back({kid0, depth + 1});
+        vStack.push_back(kid1);
+        vStack.push_back(kid0);
     }
     return true;
 }
 
-/// What is wrong with a graph if it runs along its originals as the given steps do. Empty as well if it then
-/// runs along one place in both directions, since there is no order to compare then.
-std::string findOrderFault(const ConstraintGraph2& graph, const std::vector<Step>& vOriginals,
-                           std::size_t numSegments) {
+/// What is wrong with a graph that was made of the given segments. Which way it runs along each of them it
+/// says itself; their pieces have to follow.
+std::string findGraphFault(const ConstraintGraph2& graph, const Segments& vGiven) {
+    Segments vOriginals, vPieces, vOrdered, vExpected;
+    graph.getOriginalConstraintSegments(vOriginals);
+    graph.getChildConstraintSegments(vPieces);
+    graph.getChildrenInOrder(vOrdered);
+    const auto setOf = [](const Segments& v) { return std::set<ConstraintSegment2*>(v.begin(), v.end()); };
+    if (setOf(vOriginals) != setOf(vGiven)) return "a graph with other originals";
     std::vector<Step> vSteps;
-    for (const Step& step : vOriginals)
-        walk(step, numSegments, vSteps);
-    std::unordered_map<ConstraintSegment2*, const Point2*> mStart;
-    Segments vExpected, vOrdered;
+    for (ConstraintSegment2* pSegment : vOriginals)
+        walk({pSegment, graph.isReverse(pSegment) ? pSegment->getTrg() : pSegment->getSrc()}, vSteps);
+    std::map<ConstraintSegment2*, const Point2*> mStart;
+    bool bOneWay = true;
     std::vector<const Point2*> vExpectedVertices;
     for (const Step& step : vSteps) {
-        if (mStart.insert(step).first->second != step.second) return "";
+        bOneWay = bOneWay && mStart.insert(step).first->second == step.second;
         if (!step.first->isAlive()) continue;
+        if (!graph.isConstraint(step.first) ||
+            !graph.isConstraint(step.first->getTrg(), step.first->getSrc()))
+            return "a piece that its graph does not know:" + describe(step.first);
         vExpected.push_back(step.first);
         vExpectedVertices.insert(vExpectedVertices.end(), {step.second, otherEnd(step)});
     }
+    const std::set<ConstraintSegment2*> sExpected = setOf(vExpected);
+    if (vPieces != Segments(sExpected.begin(), sExpected.end())) return "a graph with other pieces";
+    // One that is given twice, or a place in both directions, has no order.
+    if (!bOneWay || vOriginals.size() != vGiven.size()) return "";
     for (const Step& step : vSteps) {
         if (graph.isReverse(step.first) != (step.second == step.first->getTrg()))
             return "a wrong direction:" + describe(step.first);
-        ConstraintSegment2 *pKid0 = nullptr, *pKid1 = nullptr;
-        graph.getDirectChildren(step.first, pKid0, pKid1);
-        if ((pKid0 == nullptr) != step.first->isAlive() ||
-            (pKid0 != nullptr && pKid0->getSrc() != step.second && pKid0->getTrg() != step.second))
-            return "children out of order:" + describe(step.first);
     }
-    graph.getChildrenInOrder(vOrdered);
     if (vOrdered != vExpected) return "pieces out of order";
     std::vector<Point2*> vVertices;
     graph.getPolygonVertices(vVertices);
     if (!std::equal(vVertices.begin(), vVertices.end(), vExpectedVertices.begin(), vExpectedVertices.end()))
         return "polygon vertices out of order";
     return "";
-}
-
-/// vInput holds the graph's segments as they were given.
-std::string findGraphFault(const ConstraintGraph2& graph, const std::vector<Step>& vInput,
-                           std::size_t numSegments) {
-    const auto sorted = [](Segments v) {
-        std::sort(v.begin(), v.end());
-        v.erase(std::unique(v.begin(), v.end()), v.end());
-        return v;
-    };
-    Segments vOriginals, vGiven, vPieces, vExpected;
-    graph.getOriginalConstraintSegments(vOriginals);
-    std::vector<Step> vSteps;
-    for (const Step& step : vInput) {
-        vGiven.push_back(step.first);
-        walk(step, numSegments, vSteps);
-    }
-    if (sorted(vOriginals) != sorted(vGiven)) return "a graph with other originals";
-    for (const Step& step : vSteps) {
-        if (!step.first->isAlive()) continue;
-        vExpected.push_back(step.first);
-        if (!graph.isConstraint(step.first) ||
-            !graph.isConstraint(step.first->getTrg(), step.first->getSrc()))
-            return "a piece that its graph does not know:" + describe(step.first);
-    }
-    graph.getChildConstraintSegments(vPieces);
-    if (vPieces != sorted(vExpected)) return "a graph with other pieces";
-    if (sorted(vGiven).size() != vGiven.size()) return ""; // some given twice, perhaps in both directions
-    if (!graph.isPolygon() && vOriginals != vGiven) return "a graph with another order";
-
-    // A graph runs as given, or like its segments if directions mean nothing, or around a polygon.
-    const std::map<ConstraintSegment2*, const Point2*> mGiven(vInput.begin(), vInput.end());
-    std::vector<Step> vPlain, vRing;
-    for (ConstraintSegment2* pSegment : vOriginals)
-        vPlain.push_back({pSegment, graph.isOriented() ? mGiven.at(pSegment) : pSegment->getSrc()});
-    for (std::size_t i = 0; graph.isPolygon() && i < vOriginals.size(); ++i) {
-        ConstraintSegment2 *pSegment = vOriginals[i], *pNext = vOriginals[(i + 1) % vOriginals.size()];
-        const bool bBack = pSegment->getSrc() == pNext->getSrc() || pSegment->getSrc() == pNext->getTrg();
-        vRing.push_back({pSegment, bBack ? pSegment->getTrg() : pSegment->getSrc()});
-        const Point2* pEnd = otherEnd(vRing.back());
-        if (pEnd != pNext->getSrc() && pEnd != pNext->getTrg()) return "a polygon that is no ring";
-    }
-    const std::string fault = findOrderFault(graph, vPlain, numSegments);
-    return fault.empty() || !graph.isPolygon() ? fault : findOrderFault(graph, vRing, numSegments);
 }
 
 /// The sign of a determinant is safe: its rounding stays far below the bound, relative to the sum of its
@@ -319,12 +261,22 @@ bool isTrusted(double det, double permanent) {
     return bound > 1e-200 && std::isfinite(bound) && std::fabs(det) > bound;
 }
 
-/// All coordinates are integers so small that the determinant is exact in doubles.
-bool isExactInDoubles(std::initializer_list<const Point2*> v, double permanent) {
-    const auto isInteger = [](double x) { return x == std::trunc(x) && std::fabs(x) < 0x1p50; };
-    return permanent < 0x1p52 && std::all_of(v.begin(), v.end(), [&](const Point2* p) {
-               return isInteger(p->x()) && isInteger(p->y());
-           });
+/// The determinant of a point in a circle, and the sum of its terms' magnitudes.
+template <class Number>
+std::pair<Number, Number> inCircle(const Point2* const (&aCorner)[3], const Point2& d) {
+    using std::abs;
+    Number x[3], y[3], det = 0, permanent = 0;
+    for (int i = 0; i < 3; ++i) {
+        x[i] = Number(aCorner[i]->x()) - Number(d.x());
+        y[i] = Number(aCorner[i]->y()) - Number(d.y());
+    }
+    for (int i = 0; i < 3; ++i) {
+        const Number lift = x[i] * x[i] + y[i] * y[i];
+        const Number t1 = x[incIndexBy1(i)] * y[incIndexBy2(i)], t2 = x[incIndexBy2(i)] * y[incIndexBy1(i)];
+        det += lift * (t1 - t2);
+        permanent += lift * (abs(t1) + abs(t2));
+    }
+    return {det, permanent};
 }
 
 } // namespace
@@ -351,27 +303,9 @@ int exactOrientation(const Point2& a, const Point2& b, const Point2& c) {
 }
 
 int exactInCircle(const Point2& a, const Point2& b, const Point2& c, const Point2& d) {
-    const Point2* aCorner[3] = {&a, &b, &c};
-    double det = 0.0, permanent = 0.0;
-    for (int i = 0; i < 3; ++i) {
-        const double x = aCorner[i]->x() - d.x(), y = aCorner[i]->y() - d.y();
-        const double x1 = aCorner[incIndexBy1(i)]->x() - d.x(), y1 = aCorner[incIndexBy1(i)]->y() - d.y();
-        const double x2 = aCorner[incIndexBy2(i)]->x() - d.x(), y2 = aCorner[incIndexBy2(i)]->y() - d.y();
-        det += (x * x + y * y) * (x1 * y2 - x2 * y1);
-        permanent += (x * x + y * y) * (std::fabs(x1 * y2) + std::fabs(x2 * y1));
-    }
-    if (isTrusted(det, permanent) || isExactInDoubles({&a, &b, &c, &d}, permanent))
-        return (det > 0) - (det < 0);
-    mpq_class x[3], y[3], lift[3];
-    for (int i = 0; i < 3; ++i) {
-        x[i] = mpq_class(aCorner[i]->x()) - mpq_class(d.x());
-        y[i] = mpq_class(aCorner[i]->y()) - mpq_class(d.y());
-        lift[i] = x[i] * x[i] + y[i] * y[i];
-    }
-    mpq_class sum = 0;
-    for (int i = 0; i < 3; ++i)
-        sum += lift[i] * (x[incIndexBy1(i)] * y[incIndexBy2(i)] - x[incIndexBy2(i)] * y[incIndexBy1(i)]);
-    return sgn(sum);
+    const Point2* const aCorner[3] = {&a, &b, &c};
+    const auto [det, permanent] = inCircle<double>(aCorner, d);
+    return isTrusted(det, permanent) ? (det > 0) - (det < 0) : sgn(inCircle<mpq_class>(aCorner, d).first);
 }
 
 std::string findMeshFault(const Kelm_2D& dt, bool bEmptyCircles) {
@@ -382,13 +316,17 @@ std::string findMeshFault(const Kelm_2D& dt, bool bEmptyCircles) {
     std::string fault = findConstraintVertexFault(dt, vVertices);
     if (!fault.empty()) return fault;
     if (!dt.is2D()) return findFaultBeforeTwoDimensional(dt, vVertices);
-    fault = findVertexFault(vVertices, vTriangles);
+    const std::unordered_set<const Triangle2*> sTriangles(vTriangles.begin(), vTriangles.end());
+    for (const Point2* pVtx : vVertices) {
+        const Triangle2* pT = pVtx->getIncidentTriangle();
+        if (sTriangles.count(pT) == 0 || !pT->hasVertex(pVtx)) return "a bad incident triangle";
+    }
     std::unordered_map<const Point2*, const Point2*> mHullNext;
-    if (fault.empty()) fault = findTriangleFault(dt, vTriangles, bEmptyCircles, mHullNext);
+    fault = findTriangleFault(dt, vTriangles, bEmptyCircles, mHullNext);
     if (fault.empty()) fault = findHullFault(mHullNext);
     if (!fault.empty()) return fault;
-    if (vTriangles.size() + mHullNext.size() + 2 != 2 * vVertices.size()) return "Euler's formula fails";
-    return "";
+    const bool bEuler = vTriangles.size() + mHullNext.size() + 2 == 2 * vVertices.size();
+    return bEuler ? "" : "Euler's formula fails";
 }
 
 std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& vSegments,
@@ -403,30 +341,29 @@ std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& 
                  [](const ConstraintSegment2* pSegment) { return pSegment->isAlive(); });
     if (vAlive != vExpected) return "the alive segments are not those of all that are alive";
     const SegmentMap mAll = mapByEnds(vAll);
-    std::string fault = findSegmentFault(dt, vAll, mAll);
-    if (fault.empty() && !bMayWait && dt.is2D()) fault = findEdgeFault(dt, vAlive);
+    const std::string fault = findSegmentFault(dt, vAll, mAll, bMayWait || !dt.is2D());
     if (!fault.empty()) return fault;
 
     std::map<Point2, const Point2*> mPlaces;
     for (const Point2* pVtx : allVertices(dt))
         mPlaces[*pVtx] = pVtx;
-    std::vector<Step> vInput, vSteps;
+    Segments vRoots;
     for (const Segment2& segment : vSegments) {
         if (segment.getSrc() == segment.getTrg()) continue;
         const Point2 *pSrc = mPlaces[segment.getSrc()], *pTrg = mPlaces[segment.getTrg()];
         if (pSrc == nullptr || pTrg == nullptr) return "an end that is no vertex";
         ConstraintSegment2* pRoot = find(mAll, pairOf(pSrc, pTrg));
         if (pRoot == nullptr) return "a given segment that is no constraint";
-        vSteps.clear();
-        vInput.push_back({pRoot, pSrc});
-        if (!walk(vInput.back(), vAll.size(), vSteps)) return "a segment that is a piece of itself";
+        vRoots.push_back(pRoot);
+        std::vector<Step> vSteps;
+        if (!walk({pRoot, pSrc}, vSteps)) return "a segment that is a piece of itself";
         for (const Step& step : vSteps) {
             if (step.first->isAlive()) continue;
             if (!isNear(*childrenOf(step).second.second, *step.second, *otherEnd(step)))
                 return "a split far from the segment:" + describe(step.first);
         }
     }
-    return pGraph == nullptr ? "" : findGraphFault(*pGraph, vInput, vAll.size());
+    return pGraph == nullptr ? "" : findGraphFault(*pGraph, vRoots);
 }
 
 } // namespace testing_support

@@ -34,8 +34,8 @@ std::string findMeshFault(const Kelm_2D& dt, bool bEmptyCircles = true);
 /// lists in order and without repetition, an owner for every segment, alive segments are edges, dead ones
 /// have two children that meet at a vertex close to them, and each given segment, unless its ends are equal,
 /// leads to a chain of alive pieces. With the graph made of these segments also that it has just these
-/// originals, pieces and directions. With bMayWait alive segments need not be edges. Split vertices that a
-/// caller has put far off a segment are faults.
+/// originals, and that their pieces follow its directions. With bMayWait alive segments need not be edges.
+/// Split vertices that a caller has put far off a segment are faults.
 std::string findConstraintFault(const Kelm_2D& dt, const std::vector<Segment2>& vSegments,
                                 const ConstraintGraph2* pGraph = nullptr, bool bMayWait = false);
 

@@ -8,10 +8,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <exception>
 #include <random>
 #include <stdexcept>
-#include <tuple>
 #include <utility>
 
 namespace QUOR_KELM25D {
@@ -41,7 +41,6 @@ public:
     }
 
     Point2 at(double x, double y) { return Point2(x, y, height++); }
-    Point2 inBox() { return at(unit(), unit()); }
     Point2 onLattice(int side) { return at(integer(0, side), integer(0, side)); }
     Point2 nudged(double x, double y, int maxUnits) {
         return at(nudge(x, integer(-maxUnits, maxUnits)), nudge(y, integer(-maxUnits, maxUnits)));
@@ -68,18 +67,8 @@ public:
         for (int i = integer(0, maxPoints); i > 0; --i)
             point(place());
     }
-    void ring(const std::vector<Point2>& v) {
-        if (!set.batches.back().empty()) set.batches.emplace_back();
-        const bool bReverse = chance(0.5);
-        const std::size_t n = v.size(), first = random() % n;
-        for (std::size_t k = 0; k < n; ++k) {
-            const std::size_t i = (bReverse ? 2 * n - k : k) + first;
-            set.batches.back().emplace_back(scaled(v[i % n]), scaled(v[(bReverse ? i + n - 1 : i + 1) % n]));
-        }
-    }
-
     std::mt19937_64 random;
-    std::vector<Segment2> vAll; // the segments so far, rings left out, before they are scaled
+    std::vector<Segment2> vAll; // the segments so far, before they are scaled
     SegmentSet set{"", {}, {{}}};
     double scale = 1.0;
 
@@ -114,9 +103,8 @@ void drawRoundedCrossings(Maker& m) {
 /// place, or by about 1e-6, where crossings begin to snap.
 void drawNearSegments(Maker& m) {
     const int miss = m.integer(0, 2), maxUnits = miss == 1 ? 3 : 0;
-    const double scale = miss == 0 && m.chance(0.5) ? std::ldexp(1.0, m.integer(-20, 30)) : 1.0;
     const double noise = miss == 2 ? std::ldexp(1e-6, m.integer(-3, 3)) : 0.0;
-    const auto anywhere = [&] { return m.at(scale * m.unit(), scale * m.unit()); };
+    const auto anywhere = [&] { return m.at(m.unit(), m.unit()); };
     const auto near = [&](const Point2& p) {
         return m.at(p.x() + m.between(-noise, noise), p.y() + m.between(-noise, noise));
     };
@@ -151,77 +139,20 @@ void drawHangingEdges(Maker& m) {
     }
 }
 
-/// Intervals over one another on a few lines, exact ones or such as doubles only approximate.
-void drawCollinearOverlaps(Maker& m) {
-    const double scale = m.chance(0.5) ? 1.0 : m.unit();
-    for (int line = m.integer(1, 4); line > 0; --line) {
-        const double x = scale * m.integer(-20, 20), y = scale * m.integer(-20, 20);
-        const double dx = scale * m.integer(-7, 7), dy = scale * m.integer(-7, 7);
-        m.segmentsAndPoints(2, 14, 4, [&] {
-            const int k = m.integer(-10, 10);
-            return m.at(x + k * dx, y + k * dy);
-        });
-    }
-}
-
-/// Rings that have parts of their boundaries in common, in either direction, and cross one another.
-void drawSharedPolygons(Maker& m) {
-    const int side = m.integer(2, 6);
-    const double noise = m.chance(0.5) ? 0.0 : 0.4;
-    std::vector<Point2> vGrid;
-    for (int k = 0; k < (side + 1) * (side + 1); ++k)
-        vGrid.push_back(m.at(k / (side + 1) + noise * m.unit(), k % (side + 1) + noise * m.unit()));
-    const auto corner = [&](int i, int j) { return vGrid[static_cast<std::size_t>(i * (side + 1) + j)]; };
-    for (int polygon = m.integer(2, 6); polygon > 0; --polygon) {
-        const auto [i0, i1] = std::minmax({m.integer(0, side), m.integer(0, side)});
-        const auto [j0, j1] = std::minmax({m.integer(0, side), m.integer(0, side)});
-        if (i0 == i1 || j0 == j1) continue;
-        const bool bAll = m.chance(0.7); // vertices along the sides, not only the corners
-        std::vector<Point2> v;
-        int i = i0, j = j0;
-        for (const auto& [di, dj, length] : {std::tuple(1, 0, i1 - i0), std::tuple(0, 1, j1 - j0),
-                                             std::tuple(-1, 0, i1 - i0), std::tuple(0, -1, j1 - j0)})
-            for (int k = 0; k < length; ++k, i += di, j += dj)
-                if (bAll || k == 0) v.push_back(corner(i, j));
-        m.ring(v);
-    }
-    if (m.chance(0.3)) m.ring({m.onLattice(side), m.onLattice(side), m.onLattice(side), m.onLattice(side)});
-    m.ring({corner(0, 0), corner(side, 0), corner(side, side)});
-}
-
-/// Segments between doubles that are neighbours or nearly so, far from the origin.
-void drawLastBits(Maker& m) {
-    const double offset = m.pick<double>({1e6, 1e9, 1e12, 1e15, 0x1p40, -0x1p40, 3e14});
-    const double unit = std::ldexp(nudge(std::fabs(offset), 1) - std::fabs(offset), m.integer(0, 3));
-    const int side = m.integer(3, m.chance(0.5) ? 15 : 3000);
-    m.segmentsAndPoints(5, 30, 30, [&] {
-        return m.at(offset + m.integer(0, side) * unit, offset + m.integer(0, side) * unit);
-    });
-}
-
 /// Segments anywhere, or on so small a lattice that they run through vertices and most crossings are
 /// degenerate.
-void drawRandomCrossings(Maker& m) {
-    const int side = m.chance(0.6) ? m.integer(2, 11) : 0, shear = m.integer(-3, 3);
+void drawCrossings(Maker& m, double offset, double step) {
+    const int side = m.chance(0.7) ? m.integer(2, 15) : 0, shear = m.integer(-3, 3);
     m.segmentsAndPoints(5, 45, 60, [&] {
-        const Point2 p = side != 0 ? m.onLattice(side) : m.inBox();
-        return m.at(p.x() + shear * p.y(), p.y());
+        const Point2 p = side != 0 ? m.onLattice(side) : m.at(m.between(0, 99), m.between(0, 99));
+        return m.at(offset + step * (p.x() + shear * p.y()), offset + step * p.y());
     });
 }
 
-/// Lines and rays through one place: exactly, or as well as doubles can.
-void drawStars(Maker& m) {
-    for (int star = m.integer(1, 2); star > 0; --star) {
-        const bool bExact = m.chance(0.5);
-        const auto number = [&](int a, int b) { return bExact ? m.integer(a, b) : m.between(a, b); };
-        const Point2 centre = m.at(number(-9, 9), number(-9, 9));
-        if (m.chance(0.3)) m.point(centre);
-        for (int i = m.integer(4, 22); i > 0; --i) {
-            const double dx = number(-9, 9), dy = number(-9, 9);
-            const auto along = [&](double t) { return m.at(centre.x() + t * dx, centre.y() + t * dy); };
-            m.segment(along(m.chance(0.2) ? 0 : -number(0, 4)), along(number(1, 4)));
-        }
-    }
+/// So far from the origin that places are neighbouring doubles, or nearly so.
+void drawLastBits(Maker& m) {
+    const double offset = m.pick<double>({1e6, 1e12, 1e15, 0x1p40, -0x1p40});
+    drawCrossings(m, offset, nudge(std::fabs(offset), m.integer(1, 8)) - std::fabs(offset));
 }
 
 struct Kind {
@@ -230,11 +161,11 @@ struct Kind {
     double extent; // about the largest coordinate, a power of two
     bool bMayConform;
 };
-const Kind aKind[] = {
-    {"rounded", drawRoundedCrossings, 128, false}, {"near", drawNearSegments, 1, false},
-    {"hanging", drawHangingEdges, 64, true},       {"collinear", drawCollinearOverlaps, 64, false},
-    {"polygons", drawSharedPolygons, 4, true},     {"last bits", drawLastBits, 0x1p50, false},
-    {"random", drawRandomCrossings, 4, true},      {"stars", drawStars, 16, false}};
+const Kind aKind[] = {{"rounded", drawRoundedCrossings, 128, false},
+                      {"near", drawNearSegments, 1, false},
+                      {"hanging", drawHangingEdges, 64, true},
+                      {"random", [](Maker& m) { drawCrossings(m, 0, 1); }, 64, true},
+                      {"last bits", drawLastBits, 0x1p50, false}};
 
 /// One run of a set through one variant.
 class Run {
@@ -245,15 +176,13 @@ public:
           bMayWait(set.strategy != CIS_CONSTRAINED_DELAUNAY) {}
 
     std::string findFault() {
-        CoutCapture capture;
+        const CoutCapture capture, captureErrors(std::cerr);
         try {
             run();
         } catch (const std::exception& fault) {
-            return stage + ": " + fault.what() + capture.take();
+            return fault.what();
         }
-        const std::string printed = capture.take();
-        const bool bMayPrint = bDegenerate || set.strategy != CIS_CONSTRAINED_DELAUNAY;
-        return printed.empty() || bMayPrint ? "" : "printed: " + printed;
+        return "";
     }
 
 private:
@@ -262,17 +191,17 @@ private:
         for (const std::vector<Segment2>& batch : set.batches) {
             if (pointsWhen == 2)
                 insertPoints(set.points.size() * (vGraphs.size() + 1) / (set.batches.size() + 1));
-            stage = "batch " + std::to_string(vGraphs.size());
             vGraphs.push_back(dt.createConstraint(batch, set.strategy, bOriented));
             bMayWait = bMayWait || !dt.is2D();
-            checkNumber(batch);
             checkAll();
         }
-        stage = "points after the segments";
         insertPoints(set.points.size());
         checkAll();
-        apply();
-        checkHeights();
+        CoutCapture capture;
+        if (dt.is2D()) dt.applyConstraintsAndZones();
+        // Conforming insertion gives up where doubles do not suffice.
+        bMayWait = set.strategy != CIS_CONSTRAINED_DELAUNAY && !capture.take().empty();
+        checkAll();
         // Conforming segments that bend by a rounding may need more vertices than are worth the time.
         if (bAfterwards && set.strategy == CIS_CONSTRAINED_DELAUNAY && dt.is2D()) split();
         if (bAfterwards && dt.is2D()) remove();
@@ -284,7 +213,6 @@ private:
 
     void insertPoints(std::size_t last) {
         const std::vector<Point2> v(set.points.begin() + numInserted, set.points.begin() + last);
-        vGiven.insert(vGiven.end(), v.begin(), v.end());
         numInserted = last;
         if (bBulk) dt.insert(v);
         for (std::size_t i = 0; !bBulk && i < v.size(); ++i)
@@ -298,74 +226,33 @@ private:
         require(fault.empty(), fault);
     }
 
-    void apply() {
-        stage = "applyConstraintsAndZones";
-        const unsigned numBefore = dt.numberOfPoints();
-        const bool bNothingWaits = !bMayWait;
-        CoutCapture capture;
-        if (dt.is2D()) dt.applyConstraintsAndZones();
-        // Conforming insertion gives up where doubles do not suffice.
-        bMayWait = set.strategy != CIS_CONSTRAINED_DELAUNAY && !capture.take().empty();
-        require(!bNothingWaits || dt.numberOfPoints() == numBefore, "new vertices though nothing waited");
-        checkAll();
-    }
-
-    /// Two segments cross once, or a few times where their pieces have been bent by the rounding. Many more
-    /// vertices mean that segments which nearly coincide keep cutting one another.
-    void checkNumber(const std::vector<Segment2>& batch) {
-        for (const Segment2& s : batch) {
-            bDegenerate = bDegenerate || s.getSrc() == s.getTrg();
-            vGiven.insert(vGiven.end(), {s.getSrc(), s.getTrg()});
-        }
-        const std::size_t n = (vGiven.size() - numInserted) / 2;
-        require(set.strategy != CIS_CONSTRAINED_DELAUNAY ||
-                    dt.numberOfPoints() <= numInserted + 2 * n + n * n,
-                std::to_string(dt.numberOfPoints()) + " vertices of " + std::to_string(n) + " segments");
-    }
-
-    /// Heights come from the given ones by interpolation.
-    void checkHeights() const {
-        const auto [low, high] = std::minmax_element(
-            vGiven.begin(), vGiven.end(), [](const Point2& p, const Point2& q) { return p.z() < q.z(); });
-        const double tolerance = set.strategy == CIS_CONFORMING_SURFACE_HEIGHT ? 1e-6 : 0.0;
-        for (const Point2* pVtx : allVertices(dt))
-            require(pVtx->z() >= low->z() - tolerance && pVtx->z() <= high->z() + tolerance,
-                    "height " + std::to_string(pVtx->z()) + " of a new vertex");
-    }
-
     void split() {
-        stage = "insertAndSplit";
-        std::vector<std::pair<std::pair<Point2, Point2>, ConstraintSegment2*>> vByPlace;
-        for (ConstraintSegment2* pSegment : aliveSegments(dt))
-            vByPlace.push_back({std::minmax(*pSegment->getSrc(), *pSegment->getTrg()), pSegment});
-        std::sort(vByPlace.begin(), vByPlace.end()); // addresses differ from run to run
-        for (std::size_t i = 0; i < vByPlace.size(); i += 1 + random() % 7) {
-            ConstraintSegment2* pSegment = vByPlace[i].second;
-            if (!pSegment->isAlive()) continue; // by a split before
-            const Point2 &a = vByPlace[i].first.first, &b = vByPlace[i].first.second;
-            const double t = 0.125 * static_cast<double>(random() % 8); // with 1, not exactly the other end
-            const Point2 p(a.x() + (b.x() - a.x()) * t, a.y() + (b.y() - a.y()) * t, a.z());
-            const Point2* pSplit = pSegment->insertAndSplit(p);
-            require(pSplit != nullptr && *pSplit == p, "another vertex than asked for");
-            const bool bAtEnd = pSplit == pSegment->getSrc() || pSplit == pSegment->getTrg();
-            require(pSegment->isAlive() == bAtEnd, "no split");
+        for (const ConstraintGraph2* pGraph : vGraphs) {
+            std::vector<Point2*> vEnds;
+            pGraph->getPolygonVertices(vEnds);
+            for (std::size_t i = 0; i < vEnds.size(); i += 2 * (1 + random() % 7)) {
+                const Point2 &a = *vEnds[i], &b = *vEnds[i + 1];
+                ConstraintSegment2* pSegment = dt.getConstraintSegment(vEnds[i], vEnds[i + 1]);
+                if (pSegment == nullptr) continue; // divided before
+                const double t = 0.125 * static_cast<double>(random() % 8);
+                const Point2 p(a.x() + (b.x() - a.x()) * t, a.y() + (b.y() - a.y()) * t, a.z());
+                const Point2* pSplit = pSegment->insertAndSplit(p);
+                require(pSplit != nullptr && *pSplit == p, "another vertex than asked for");
+                require(pSegment->isAlive() == (pSplit == &a || pSplit == &b), "no split");
+            }
         }
         checkAll();
     }
 
     void remove() {
-        stage = "remove";
         std::vector<Point2*> vVertices = allVertices(dt);
         std::sort(vVertices.begin(), vVertices.end(), [](Point2* a, Point2* b) { return *a < *b; });
         for (Point2* pVtx : vVertices) {
             if (!dt.is2D()) return;
             if (random() % 4 == 0) continue;
-            const bool bConstraint = dt.isConstraint(pVtx);
-            const unsigned numLeft = dt.numberOfPoints() - (bConstraint ? 0 : 1);
-            CoutCapture capture, captureErrors(std::cerr);
+            const unsigned numLeft = dt.numberOfPoints() - (dt.isConstraint(pVtx) ? 0 : 1);
             dt.remove(pVtx);
             require(dt.numberOfPoints() == numLeft, "a wrong number of vertices");
-            require(bConstraint != capture.take().empty(), "a warning too few or too many");
         }
         checkAll();
     }
@@ -376,10 +263,8 @@ private:
     std::mt19937_64 random;
     Kelm_2D dt;
     std::vector<ConstraintGraph2*> vGraphs;
-    std::vector<Point2> vGiven; // points and ends so far
-    std::size_t numInserted = 0;
-    bool bMayWait, bDegenerate = false; // a segment whose ends are equal is told of
-    std::string stage;
+    std::size_t numInserted = 0; // points so far
+    bool bMayWait;
 };
 
 } // namespace
@@ -413,12 +298,11 @@ std::vector<SegmentSet> makeAllFamilies(std::uint64_t seed) {
     return vSets;
 }
 
-SegmentSet makeManySegments(std::size_t n, int side, std::uint64_t seed) {
+SegmentSet makeManySegments(std::size_t n, std::uint64_t seed) {
     Maker m(seed);
-    while (m.vAll.size() < n) {
-        const Point2 a = side != 0 ? m.onLattice(side) : m.inBox();
-        const auto near = [&](double v) { return v + m.between(-0.05, 0.05); };
-        m.segment(a, side != 0 ? m.onLattice(side) : m.at(near(a.x()), near(a.y())));
+    for (std::size_t i = 0; i < n; ++i) {
+        const double x = m.unit(), y = m.unit();
+        m.segment(m.at(x, y), m.at(x + m.between(-0.05, 0.05), y + m.between(-0.05, 0.05)));
     }
     return m.set;
 }

@@ -24,8 +24,8 @@ struct SegmentSet {
 /// another.
 std::vector<SegmentSet> makeAllFamilies(std::uint64_t seed);
 
-/// n segments in the unit square, or with integer ends up to the side, so that most crossings are degenerate.
-SegmentSet makeManySegments(std::size_t n, int side, std::uint64_t seed);
+/// n short segments in the unit square.
+SegmentSet makeManySegments(std::size_t n, std::uint64_t seed);
 
 /// Inserts a set in one of numVariants ways: points before, after or between the segments, in bulk or one by
 /// one, segments with or without directions, and with or without splits and removals at the end. Mesh and

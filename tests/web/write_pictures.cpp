@@ -9,30 +9,26 @@
 using namespace QUOR_KELM25D;
 
 int main(int argc, char** argv) {
-    if (argc < 2 || argc > 3) return 2;
     // As far from the origin as national grids are.
     std::vector<Point2> vPoints;
-    for (int i = 0; i < 80; ++i) {
-        for (int j = 0; j < 80; ++j)
-            vPoints.emplace_back(4.5e6 + 10 * i, 5.6e6 + 10 * j, 60 * std::sin(0.1 * i) * std::cos(0.13 * j));
+    for (int k = 0; k < 6400; ++k) {
+        const int i = k / 80, j = k % 80;
+        vPoints.emplace_back(4.5e6 + 10 * i, 5.6e6 + 10 * j, 60 * std::sin(0.1 * i) * std::cos(0.13 * j));
     }
     Kelm_2D dt;
     dt.insert(vPoints);
     dt.writeWebScene(argv[1]);
-    if (argc == 2) return 0;
+    if (argc < 3) return 0;
 
     Visualizer2 page(argv[2]);
-    page.addHeaderLine("A header (with \\ and unbalanced (parentheses");
     std::vector<Triangle2*> vTriangles;
     dt.getTrianglePointers(vTriangles);
     vTriangles.resize(40);
     page.addObject(vTriangles, Color(CPALEGREEN, 0.5F, true));
     dt.show(&page, true);
-    page.addObject(Circle2(vPoints[3000], 900.0), Color(CRED, 1.0F, false));
     page.addObject(Circle2(vPoints[2000], 400.0), Color(CYELLOW, 1.0F, true));
     page.addObject(Segment2(vPoints[0], vPoints.back()), Color(CBLUE, 2.0F, true));
     page.addObject(vPoints[4000], Color(CORANGE, 4.0F, false));
-    page.addObject(Label(vPoints[1000], "first\nsecond (line", true, 12), Color(CBLACK, 1.0F, false));
+    page.addObject(Label(vPoints[1000], "first\nsecond (line\\", true, 12), Color(CBLACK, 1.0F, false));
     page.writeFile();
-    return 0;
 }
