@@ -3,8 +3,6 @@
 
 #include "MeshChecker.h"
 
-#include "Mesh2.h"
-
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -174,6 +172,10 @@ bool isNear(const Point2& s, const Point2& a, const Point2& b) {
 }
 
 std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const SegmentMap& mAll, bool bMayWait) {
+    std::set<VertexPair> sEdges;
+    for (const Triangle2* pT : allTriangles(dt))
+        for (int i = 0; i < 3; ++i)
+            sEdges.insert(pairOf(pT->getCorner(i), pT->getCorner((i + 1) % 3)));
     for (ConstraintSegment2* pSegment : vAll) {
         Point2 *p0 = pSegment->getSrc(), *p1 = pSegment->getTrg();
         if (!std::less<const Point2*>()(p0, p1)) return "ends out of order:" + describe(pSegment);
@@ -181,7 +183,7 @@ std::string findSegmentFault(const Kelm_2D& dt, const Segments& vAll, const Segm
         if (isLookupWrong(dt, p0, p1, pSegment->isAlive() ? pSegment : nullptr))
             return "a wrong answer about a segment:" + describe(pSegment);
         if (pSegment->isAlive()) {
-            if (!bMayWait && Mesh2::findEdge(p0, p1).getTriangle() == nullptr)
+            if (!bMayWait && sEdges.count({p0, p1}) == 0)
                 return "an alive segment that is no edge:" + describe(pSegment);
             continue;
         }
