@@ -73,16 +73,30 @@ TEST(PointFiles, WrittenPointsComeBackBitByBitBehindWhatIsThere) {
     const auto next = [&] { return std::ldexp(mantissa(random), static_cast<int>(exponent(random))); };
     while (vPoints.size() < 10000) // more than one block
         vPoints.push_back(Point2{next(), next(), next()});
+    std::vector<Point2*> vPointers;
+    for (Point2& point : vPoints)
+        vPointers.push_back(&point);
     ScratchDirectory scratch;
-    for (int form = 0; form < 3; ++form) {
+    for (int form = 0; form < 5; ++form) {
         EXPECT_TRUE(form == 0   ? writePointsBIN(filename, vPoints)
-                    : form == 1 ? writePointsASCII(filename, vPoints)
+                    : form == 1 ? writePointsBIN(filename, vPointers)
+                    : form == 2 ? writePointsASCII(filename, vPoints)
+                    : form == 3 ? writePointsASCII(filename, vPointers)
                                 : writeEnds(filename, vPoints));
         std::vector<Point2> vRead(1);
-        EXPECT_TRUE((form == 0 ? readPointsBIN : form == 1 ? readXYZ : readEnds)(filename, vRead)) << form;
+        EXPECT_TRUE((form < 2 ? readPointsBIN : form < 4 ? readXYZ : readEnds)(filename, vRead)) << form;
         vRead.erase(vRead.begin());
         EXPECT_TRUE(areSame(vRead, vPoints)) << form;
     }
+    vPoints = {{0.1, -2.0, 1e300}, {4500000.001, 0.0, 3.0}}; // and the formats themselves
+    vPoints[0].setCustomIndex(7);                            // not stored
+    ASSERT_TRUE(writePointsBIN(filename, vPoints));
+    EXPECT_EQ(readFile(filename), toBytes(30, 2, 0, 0.1, -2.0, 1e300, 4500000.001, 0.0, 3.0));
+    ASSERT_TRUE(writeEnds(filename, vPoints));
+    EXPECT_EQ(readFile(filename), toBytes(31, 1, 0, 0.1, -2.0, 1e300, 4500000.001, 0.0, 3.0));
+    ASSERT_TRUE(writePointsASCII(filename, vPoints));
+    EXPECT_EQ(readFile(filename),
+              "0.100000000000000006 -2 1.00000000000000005e+300\n4500000.00100000016 0 3\n");
 }
 
 TEST(BinaryFiles, AreReadAsFarAsTheyGoAndTriangulationsOnlyIfFinite) {

@@ -22,6 +22,13 @@ std::size_t countOf(const std::string& text, const std::string& part) {
 
 } // namespace
 
+TEST_F(Drawing, ColorNamesCycleWithoutYellowAndWhite) {
+    Color::currentColorName = 0;
+    for (unsigned i = 1; i < 32; ++i)
+        ASSERT_EQ(i % 15, Color::getNextColorName());
+    EXPECT_EQ(Color(0.823, 0.705, 0.549, 2, true), Color(CLIGHTBROWN, 2, true));
+}
+
 TEST_F(Drawing, EveryMeshIsDrawnInShortPathsOfOnePen) {
     for (const PointSet& set : makeAllKinds(300)) {
         SCOPED_TRACE(set.name);

@@ -2,6 +2,25 @@
 // Insertion is tested in insertion_test.cpp and bulk_test.cpp, the version in the consumer's check.
 #include "testing.h"
 
+TEST(Facade, SettingsAndReadersAnswerAsWrittenDown) {
+    const CoutCapture quiet;
+    Kelm_2D dt(0);
+    EXPECT_TRUE(dt.setNumCPU(5) == 5 && dt.setNumCPU(-5) == 1 && dt.setNumCPU(0) >= 1 && dt.getName() == "");
+    dt.setName("hill");
+    EXPECT_EQ("hill", dt.getName());
+    std::vector<Point2> vPoints(1), vCorners;
+    std::vector<int> vIndices;
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    EXPECT_FALSE(reconstruct(vPoints, vCorners) || reconstruct(vPoints, vIndices) || reconstruct("a", "b"));
+    std::vector<Triangle2*> vTriangles(3);
+    std::vector<Point2*> vVertices(3);
+    dt.insert(vCorners);
+    dt.getTrianglePointers(vTriangles);
+    dt.getVertexPointers(vVertices);
+    EXPECT_TRUE(vTriangles.empty() && vVertices.empty() && !dt.is2D());
+    EXPECT_EQ(ORIENTATION2_CCW, dt.getOrientation({0, 0, 0}, {1, 0, 0}, {0, 1e-300, 0}));
+}
+
 TEST(ObjFile, ReadsBackAsTheSameMesh) {
     const ScratchDirectory directory;
     const CoutCapture quiet;

@@ -33,6 +33,8 @@ TEST(Geomview, EachOperationWritesItsPlaces) {
     const std::vector<VertexPair2> vPairs{{&v[1], &v[0]}, {&v[2], &v[1]}};
     const std::pair<std::string, std::function<void(Visualizer3&)>> aCase[] = {
         {"{SPHERE 0.5 9 0 0}} } ", [&](auto& out) { out.writeBall(v[1], 0.5); }},
+        {"{linewidth 3} VECT 1 1 1 1 1 0 12 0 0 1 1 1 } } ",
+         [&](auto& out) { out.writePoint(v[2], 3, color); }},
         {dots, [&](auto& out) { out.writePoints(vEnds, 5, color); }},
         {dots, [&](auto& out) { out.writeSegments(vEdges, color, true); }},
         {lines, [&](auto& out) { out.writeSegments(vSegments, color, false); }},
@@ -65,6 +67,22 @@ TEST(Geomview, CubesAreClosedBoxesAndNumbersHave15Digits) {
     EXPECT_EQ(sEdges.size(), 48u); // 12 edges of each box, once from either side
     for (const auto& [from, to] : sEdges)
         EXPECT_EQ(sEdges.count({to, from}), 1u);
+}
+
+TEST(Geomview, MeshIsShownWholeWithNumbersThatAreFinite) {
+    const ScratchDirectory scratch;
+    const CoutCapture quiet;
+    Kelm_2D dt;
+    for (int i = 0; i < 100; ++i)
+        dt.insert(Point2(i % 10, i / 10, i == 7 ? std::nan("") : i == 8 ? HUGE_VAL : i));
+    Visualizer3 out("added.list");
+    out.setBackfaces(true);
+    dt.showGeomview(&out);
+    out.closeFile();
+    dt.writeObj("bad.obj");
+    const std::string words = getWords("added.list") + getWords("bad.obj");
+    EXPECT_NE(words.find("material { backdiffuse .151 .0 .2 } } OFF 486 162 0 "), std::string::npos);
+    EXPECT_TRUE(words.find("nan") == std::string::npos && words.find("inf") == std::string::npos);
 }
 
 TEST(Geomview, FullDiskThrowsWhereAskedToButNotFromDestructors) {

@@ -120,6 +120,7 @@ TEST(Import, WhatIsNoMeshGivesNull) {
         {"only collinear", {a, m, b}, false, "BUG: Not a simple polygon! Returning NULL", "-"},
         {"crossing borders", {a, b, c, b, c, d}, true, crossing, "invalidInput.ps"},
         {"one inside", {a, b, c, j, k, {3, 2, 0}}, true, invalid, "openEdges.ps"},
+        {"given twice", {a, b, c, a, b, c}, true, notClosed, "bug.ps"},
         {"three at one edge", {a, b, c, a, b, d, a, b, f}, true, "", "-"},
         {"clockwise", {a, c, b}, false, notClosed, "bug.ps"},
         {"one of two clockwise", {a, b, c, a, d, c}, false, "", "-"},

@@ -1,4 +1,4 @@
-// Points inserted one by one: every kind of data, and the walk.
+// Points inserted one by one: every kind of data, flips and the walk.
 // Many points at once are in bulk_test.cpp, long lines in scaling_test.cpp.
 #include "testing.h"
 
@@ -18,6 +18,31 @@ TEST(SingleInsertion, MeshIsValidAfterEachPointOfEachKindInEachOrder) {
                 ASSERT_EQ(mVertices.size(), dt.numberOfPoints());
                 ASSERT_VALID_MESH(dt);
             }
+        }
+    }
+}
+
+TEST(Flips, AreUndoneByLegalizingAndAllowedExactlyInConvexQuadrilaterals) {
+    for (const PointSet& set : makeAllKinds(50)) {
+        SCOPED_TRACE(set.name);
+        Kelm_2D dt;
+        dt.insert(set.points);
+        Mesh2& mesh = dt.getImpl()->getMesh();
+        const std::vector<Triangle2*> vTriangles = allTriangles(dt);
+        for (std::size_t k = 0; k < 3 * vTriangles.size(); ++k) {
+            Triangle2* pT = vTriangles[k / 3];
+            const int i = static_cast<int>(k % 3);
+            Triangle2* pN = pT->getOppositeTriangle(i);
+            Point2 *a = pT->getCorner(i), *b = pT->getCorner((i + 1) % 3), *c = pT->getCorner((i + 2) % 3);
+            const Point2* d = pN != nullptr ? pN->getCorner(pN->getIntraTriangleIndex(pT)) : nullptr;
+            const bool bConvex =
+                d != nullptr && exactOrientation(*a, *b, *d) > 0 && exactOrientation(*a, *d, *c) > 0;
+            ASSERT_EQ(bConvex, mesh.canBeFlipped(pT, i));
+            if (!bConvex) continue;
+            mesh.flip(pT, i);
+            ASSERT_TRUE(pT->getCorner(0) == a && pN->getCorner(0) == a && pT->getOppositeTriangle(1) == pN);
+            mesh.legalizeAround(b);
+            ASSERT_VALID_MESH(dt);
         }
     }
 }

@@ -1,14 +1,23 @@
-// The record pool: records and reset.
+// The record pool: records, reset, its messages.
 // The pools inside a triangulation are tested with it.
 #include "SimplePool.h"
 #include "testing.h"
 
 #include <array>
 
+// One test asks for more memory than there is; the sanitizers answer as the system does only when told so.
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
+extern "C" const char* __tsan_default_options() {
+    return "allocator_may_return_null=1";
+}
+
 namespace {
 
 // Of odd size, so that no container is exactly as large as what the heap sets aside for it.
 using Record = std::array<unsigned char, 21>;
+using Huge = std::array<char, std::size_t(1) << 40>;
 
 // Allocates and fills n records, one by one and in blocks, so that a sanitizer sees a container that is too
 // small, and expects them to be all that the pool holds, unchanged and in order.
@@ -38,4 +47,24 @@ TEST(SimplePool, RecordsStayInOrderAsItGrowsAndAfterResets) {
             pool.reset();
         }
     }
+}
+
+TEST(SimplePool, MisuseAndExhaustionAreALineAndNothingElse) {
+    CoutCapture capture;
+    SimplePool<Record> twice;
+    twice.init(2, 10);
+    twice.init(5, 10);
+    fill(twice, 5);
+    SimplePool<Huge> pool;
+    pool.init(2000000000, 1); // also more bytes than size_t can count
+    EXPECT_EQ(pool.allocate(), nullptr);
+    for (const int numContainers : {1000, 1001}) { // the one too many is reported at the end
+        SimplePool<char> small;
+        small.init(1, 1);
+        for (int i = 0; i < numContainers; ++i)
+            small.allocate();
+    }
+    EXPECT_EQ(capture.take(), "SimplePool::init(..), ERROR: This pool is already initialized\n"
+                              "SimplePool::alloc(..), ERROR: Out of memory\n"
+                              "SimplePool::~SimplePool: Number of containers to release: 1001\n");
 }

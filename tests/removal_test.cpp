@@ -32,3 +32,13 @@ TEST(Removal, LongSequencesLeaveTheMeshOfWhatIsLeft) {
         }
     }
 }
+
+TEST(Removal, CentreOfManyCocircularVertices) {
+    Kelm_2D dt;
+    for (const PointSet& set : makeAllKinds(2000))
+        if (set.name == "integer circle") dt.insert(set.points);
+    Point2* pCentre = dt.insert({0, 0, 0});
+    ASSERT_EQ(dt.numberOfPoints() - 1, dt.numberOfTriangles()); // each has the centre
+    dt.remove(pCentre);
+    ASSERT_VALID_MESH(dt);
+}

@@ -15,6 +15,8 @@ struct OwnTriangle : Triangle2 {
         setProperties(&a, &b, &c);
     }
     OwnTriangle(const OwnTriangle&) = delete;
+
+    using Triangle2::getCC_strategy2, Triangle2::isAccurateCC;
 };
 
 } // namespace
@@ -68,4 +70,60 @@ TEST(Circumcentre, IsAccurateUnlessFlaggedAndBisectionRescuesSlivers) {
     const double huge = 1.7e308; // differences are beyond doubles
     EXPECT_FALSE(OwnTriangle({-huge, -huge, 0}, {huge, -huge, 0}, {0, huge, 0}).getDual().second);
     EXPECT_FALSE(OwnTriangle({huge, huge, 0}, {huge, -huge, 0}, {-huge, 1, 0}).getDual().second);
+}
+
+TEST(Circumcentre, BisectionFindsTheCentreInAnyTurn) {
+    const Point2 aCase[][4] = {{{0, 0, 1}, {2, 0, 1}, {1, 2, 5}, {1, 0.75, 3}},  // acute, and its centre
+                               {{0, 0, 0}, {4, 0, 2}, {2, 1, 9}, {2, -1.5, 1}}}; // obtuse
+    for (const auto& v : aCase) {
+        for (int i = 0; i < 3; ++i) {
+            const OwnTriangle t(v[i], v[(i + 1) % 3], v[(i + 2) % 3]);
+            Point2 cc; // gets the mean height of the longest edge
+            t.getCC_strategy2(t.getMaxIndex(), 7, 8, cc);
+            EXPECT_TRUE((cc - v[3]).length() < 1e-6 && t.isAccurateCC(t.getMaxIndex(), cc)) << t << cc;
+        }
+    }
+}
+
+TEST(TriangleOutput, OrientationCornersAndNeighboursAreWritten) {
+    const std::pair<double, std::string> aCase[] = {{4, "6, area2.5D=6, CCW"},
+                                                    {-4, "6, area2.5D=6, ATTENTION, CLOCKWISE CORNERS!"},
+                                                    {0, "0, area2.5D=0, ATTENTION, COLLINEAR CORNERS"}};
+    for (const auto& [y, text] : aCase) {
+        OwnTriangle t({0, 0, 0}, {3, 0, 0}, {0, y, 0});
+        t.setOppTriangle(1, &t);
+        const std::string opp = "\t oppTriangle: ", self = testing::PrintToString(&t);
+        EXPECT_EQ(testing::PrintToString(t), "Triangle(" + self + "): area2D=" + text +
+                                                 "\n0: " + testing::PrintToString(t.a) + opp +
+                                                 "0\n1: " + testing::PrintToString(t.b) + opp + self +
+                                                 "\n2: " + testing::PrintToString(t.c) + opp + "0\n");
+    }
+}
+
+TEST(FanIterator, CycleYieldsEveryTriangleOnceAndOneNullOnTheHull) {
+    Point2 vtx, rim;
+    EXPECT_THROW(TriangleAroundVertexIterator{&vtx}, KelmException);
+    for (const auto& [count, bHull] : {std::pair(1, 1), {2, 1}, {3, 1}, {8, 1}, {3, 0}, {7, 0}}) {
+        const int length = count + bHull;
+        std::vector<Triangle2> vT(count);
+        std::vector<Triangle2*> vCycle(length, nullptr); // counterclockwise, with null for the hull
+        for (int i = 0; i < count; ++i)
+            vCycle[i] = &vT[i];
+        for (int i = 0; i < count; ++i) {
+            Point2* aCorner[] = {&rim, &rim, &rim};
+            aCorner[i % 3] = &vtx; // takes each corner index in turn
+            vT[i].setProperties(aCorner[0], aCorner[1], aCorner[2]);
+            vT[i].setOppTriangle((i + 1) % 3, vCycle[(i + 1) % length]);
+            vT[i].setOppTriangle((i + 2) % 3, vCycle[(i + length - 1) % length]);
+        }
+        for (int start = 0; start < count; ++start) {
+            TriangleAroundVertexIterator up(&vtx, &vT[start]), down = up;
+            for (int k = 1; k <= 2 * length; ++k) {
+                const Triangle2* pUp = vCycle[(start + k) % length];
+                EXPECT_TRUE(up.previewNextTriangle() == pUp && *++up == pUp) << count << ' ' << start;
+                const Triangle2* pDown = vCycle[(start + 2 * length - k) % length];
+                EXPECT_TRUE(down.previewPrevTriangle() == pDown && *--down == pDown) << count << ' ' << start;
+            }
+        }
+    }
 }

@@ -4,6 +4,9 @@
 
 #include <array>
 #include <cfloat>
+#include <regex>
+
+using testing::PrintToString;
 
 namespace {
 
@@ -30,6 +33,42 @@ TEST(Point2Copy, CopyOfVertexIsNoVertexAndKeepsTheRest) {
     b = a; // the target stops being a vertex too
     for (const Point2& copy : {Point2(a), b})
         EXPECT_TRUE(copy.samePoint(a) && copy.getCustomIndex() == 42 && !copy.getIncidentTriangle());
+}
+
+TEST(StreamOutput, EveryTypeWritesItsText) {
+    const Point2 p(1.5, -2, 3);
+    const std::string texts = PrintToString(Vector2(1, 2, 0.25)) + '\n' + PrintToString(Segment2(p, p)) +
+                              '\n' + PrintToString(Circle2(1, 2, 9));
+    EXPECT_EQ(std::regex_replace(texts, std::regex("0x[0-9a-f]+"), "@"),
+              "Vector2: 1, 2, 0.25\nSegment2 (@): Point2 (@,-1): 1.5, -2, 3,Point2 (@,-1): 1.5, -2, "
+              "3\nCircle2: Point2 (@,-1): 1, 2, 0, r=3");
+}
+
+TEST(Vector2Orthogonal, ResultIsTheUnitLeftNormalInEveryDirectionAndScale) {
+    for (const double scale : {1e-300, 1e-8, 1.0, 1e12, 1e150}) {
+        for (double angle = 0; angle < 6.3; angle += std::acos(-1.0) / 16) {
+            const Vector2 v(std::cos(angle), std::sin(angle), 3), n = (v * scale).orthogonalVector();
+            // One rounding each for quotient, length and division; 8 ulp leaves room
+            // for cos and sin.
+            EXPECT_LE((n - Vector2(-v.y(), v.x(), 0)).length(), 8 * DBL_EPSILON) << v * scale;
+        }
+    }
+    for (const Vector2& v : {Vector2(0, 0, 5), Vector2(1e-200, 0, 0), Vector2(NAN, 1, 0)}) // have none
+        EXPECT_TRUE((v.z() == 5 ? v.orthogonalVector() : normalize(v)).isDegenerate()) << v;
+}
+
+TEST(Edge2Handle, SidesAreMirrorImagesAndLengthsAreSquares) {
+    Point2 a(0, 0, 0), b(3, 0, 4), c(3, 1, 0), d(0, 1, 0);
+    Triangle2 aT[2], *pT0 = nullptr, *pT1 = nullptr;
+    aT[0].setPropertiesAndOppT(&a, &b, &c, nullptr, &aT[1], nullptr);
+    aT[1].setPropertiesAndOppT(&d, &a, &c, &aT[0], nullptr, nullptr);
+    const Edge2 hull(&aT[0], 2);
+    int i0 = -7, i1 = -7;
+    Edge2(&aT[0], 1).getTriangles(pT0, pT1, i0, i1);
+    EXPECT_TRUE(pT0 == &aT[0] && pT1 == &aT[1] && i0 == 1 && i1 == 0);
+    hull.getTriangles(pT0, pT1, i0, i1);
+    EXPECT_TRUE(pT0 == &aT[0] && pT1 == nullptr && i0 == 2 && i1 == -1);
+    EXPECT_TRUE(hull.getLength2D() == 9 && hull.getLength25D() == 25); // whatever the names say
 }
 
 TEST(Bbox2, EveryFormOfAddTakesTheFirstPointAndReportsChanges) {
