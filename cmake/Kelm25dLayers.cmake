@@ -9,6 +9,7 @@ set(KELM25D_LAYER_values
     include/kelm25d/Circle2.h
     include/kelm25d/Color.h
     include/kelm25d/ConstraintInsertionStrategy.h
+    include/kelm25d/ConstraintSegment2.h
     include/kelm25d/Edge2.h
     include/kelm25d/KelmException.h
     include/kelm25d/Label.h
@@ -112,16 +113,15 @@ set(KELM25D_LAYER_rings
 
 set(KELM25D_LAYER_constraints
     include/kelm25d/ConstraintGraph2.h
-    include/kelm25d/ConstraintSegment2.h
     dt2Library/ConstraintGraph2.cpp
     dt2Library/ConstraintMgr.cpp
     dt2Library/ConstraintMgr.h
-    dt2Library/ConstraintSegment2.cpp
     dt2Library/InnerVtxMgr.cpp
     dt2Library/InnerVtxMgr.h
     dt2Library/LeafWalk.h
     dt2Library/SegmentInserter.cpp
-    dt2Library/SegmentInserter.h)
+    dt2Library/SegmentInserter.h
+    dt2Library/segmentTree.cpp)
 
 set(KELM25D_LAYER_zones
     include/kelm25d/Zone2.h

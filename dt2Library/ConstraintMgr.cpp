@@ -55,7 +55,7 @@ ConstraintSegment2* ConstraintMgr::getSegment(Point2* a, Point2* b, ConstraintIn
     Point2* p0 = isHigher(a, b) ? b : a;
     Point2* p1 = isHigher(a, b) ? a : b;
     vSegments.emplace_back(new ConstraintSegment2(p0, p1, cis));
-    segmentTable.insert(p0, p1, vSegments.back().get());
+    segmentTable.insert(vSegments.back().get());
     return vSegments.back().get();
 }
 

@@ -1,5 +1,5 @@
 // The owner of all constraint segments and graphs of a triangulation, and the driver of their insertion.
-// How one segment enters the mesh is in SegmentInserter.cpp, how one is divided in ConstraintSegment2.cpp;
+// How one segment enters the mesh is in SegmentInserter.cpp, how one is divided in segmentTree.cpp;
 // whether an edge is constrained is asked of the mesh's SegmentTable, which is filled here.
 //
 // Every pair of vertices has at most one segment, so graphs that use the same edge share it. Segments are

@@ -107,13 +107,13 @@ bool SegmentInserter::divideAtCrossing(ConstraintSegment2* pCSeg, const Crossing
     const bool bSplitBoth = splitPoint != *pCSeg->getSrc() && splitPoint != *pCSeg->getTrg();
 
     // Both count as no constraint while the vertex enters: their edges may be divided or flipped.
-    pCrossingCSeg->setAlive(false);
-    if (bSplitBoth) pCSeg->setAlive(false);
+    pCrossingCSeg->markDead();
+    if (bSplitBoth) pCSeg->markDead();
     Point2* pSplit = insertCrossing(crossing);
-    pCrossingCSeg->setAlive(true);
+    pCrossingCSeg->markAlive();
     bool bOK = divide(pCrossingCSeg, pSplit);
     if (bSplitBoth) {
-        pCSeg->setAlive(true);
+        pCSeg->markAlive();
         bOK = divide(pCSeg, pSplit) && bOK;
     }
     return bOK;

@@ -1,6 +1,6 @@
 // How one constraint segment enters the mesh: by force, or by new vertices.
 // Which segments there are, and when each is inserted, is decided in ConstraintMgr.cpp; how they are divided
-// in ConstraintSegment2.cpp.
+// in segmentTree.cpp.
 #pragma once
 
 #include <kelm25d/Edge2.h>

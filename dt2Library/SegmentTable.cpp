@@ -8,39 +8,19 @@
 
 namespace QUOR_KELM25D {
 
-namespace {
-
-/// A pair of vertices, the lower address first.
-struct Pair {
-    Pair(const Point2* a, const Point2* b) noexcept : p0(a), p1(b) {
-        if (std::less<const Point2*>()(b, a)) std::swap(p0, p1);
-    }
-    std::uint64_t getHash() const noexcept { return hashOfAddresses(p0, p1); }
-    template <class Slot>
-    bool operator()(const Slot& slot) const noexcept {
-        return slot.p0 == p0 && slot.p1 == p1;
-    }
-
-    const Point2 *p0, *p1;
-};
-
-} // namespace
-
-/// The slot of a pair, or a free one.
-const SegmentTable::Slot& SegmentTable::findInTable(const Point2* a, const Point2* b) const noexcept {
-    const Pair pair(a, b);
-    return table.find(pair.getHash(), pair);
+ConstraintSegment2* SegmentTable::findInTable(const Point2* a, const Point2* b) const noexcept {
+    if (std::less<const Point2*>()(b, a)) std::swap(a, b);
+    const std::uint64_t hash = hashOfAddresses(a, b);
+    const auto isIt = [=](const Slot& slot) {
+        return slot.hash == hash && slot.pSegment->p0 == a && slot.pSegment->p1 == b;
+    };
+    return table.find(hash, isIt).pSegment;
 }
 
-void SegmentTable::insert(Point2* p0, Point2* p1, ConstraintSegment2* pSegment) {
-    table.insert({p0, p1, pSegment, true});
-    p0->constraintFilter |= bitOf(p1);
-    p1->constraintFilter |= bitOf(p0);
-}
-
-void SegmentTable::setAlive(const Point2* a, const Point2* b, bool bAlive) noexcept {
-    const Pair pair(a, b);
-    table.find(pair.getHash(), pair).bAlive = bAlive;
+void SegmentTable::insert(ConstraintSegment2* pSegment) {
+    table.insert({hashOfAddresses(pSegment->p0, pSegment->p1), pSegment});
+    pSegment->p0->constraintFilter |= bitOf(pSegment->p1);
+    pSegment->p1->constraintFilter |= bitOf(pSegment->p0);
 }
 
 } // namespace QUOR_KELM25D

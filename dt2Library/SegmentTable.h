@@ -1,23 +1,22 @@
 // All constraint segments by their ends: the question of every flip whether an edge is constrained.
-// The segments themselves, which are only handed on here, are made and owned by ConstraintMgr.
+// The segments themselves are made and owned by ConstraintMgr.
 //
 // Each vertex keeps a filter of 32 bits: one is set for every segment that ends there, chosen by the other
 // end. A pair of vertices without segment mostly finds one of its two bits clear, and the flip that asks has
 // just read both vertices, so the common negative answer costs no memory access. What is left goes to a hash
-// table of the pairs. It also knows which segments are alive, so that a search reads none.
+// table that keeps the pairs' full hash values, so that a search reads no segment but the one that is found.
 #pragma once
 
 #include "HashTable.h"
 #include "cornerIndex.h"
 
+#include <kelm25d/ConstraintSegment2.h>
 #include <kelm25d/Triangle2.h>
 
 #include <cstddef>
 #include <cstdint>
 
 namespace QUOR_KELM25D {
-
-class ConstraintSegment2;
 
 class SegmentTable {
 public:
@@ -40,28 +39,24 @@ public:
 
     /// The segment between two vertices in either order, alive or dead, or null.
     ConstraintSegment2* find(const Point2* a, const Point2* b) const noexcept {
-        return mayBeSegment(a, b) ? findInTable(a, b).pSegment : nullptr;
+        return mayBeSegment(a, b) ? findInTable(a, b) : nullptr;
     }
     /// The same if it is alive, else null.
     ConstraintSegment2* findAlive(const Point2* a, const Point2* b) const noexcept {
-        if (!mayBeSegment(a, b)) return nullptr;
-        const Slot& slot = findInTable(a, b);
-        return slot.bAlive ? slot.pSegment : nullptr;
+        ConstraintSegment2* pSegment = find(a, b);
+        return pSegment != nullptr && pSegment->isAlive() ? pSegment : nullptr;
     }
     /// Makes room for so many more segments.
     void reserve(std::size_t numMore) { table.reserve(numMore); }
-    /// Adds an alive segment for a pair that is not present, the lower address first.
-    void insert(Point2* p0, Point2* p1, ConstraintSegment2* pSegment);
-    /// To be told when the segment of a pair that is present dies or comes back to life.
-    void setAlive(const Point2* a, const Point2* b, bool bAlive) noexcept;
+    /// Adds a segment whose pair is not present.
+    void insert(ConstraintSegment2* pSegment);
 
 private:
     struct Slot {
-        const Point2 *p0 = nullptr, *p1 = nullptr; // the lower address first
+        std::uint64_t hash = 0;
         ConstraintSegment2* pSegment = nullptr;
-        bool bAlive = false;
         bool isFree() const noexcept { return pSegment == nullptr; }
-        std::uint64_t getHash() const noexcept { return hashOfAddresses(p0, p1); }
+        std::uint64_t getHash() const noexcept { return hash; }
     };
     static constexpr std::size_t maxLoadPercent = 66; // only few searches come past the filter
 
@@ -70,7 +65,7 @@ private:
     static bool mayBeSegment(const Point2* a, const Point2* b) noexcept {
         return (a->constraintFilter & bitOf(b)) != 0 && (b->constraintFilter & bitOf(a)) != 0;
     }
-    const Slot& findInTable(const Point2* a, const Point2* b) const noexcept;
+    ConstraintSegment2* findInTable(const Point2* a, const Point2* b) const noexcept;
 
     HashTable<Slot, maxLoadPercent> table;
 };

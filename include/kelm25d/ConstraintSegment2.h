@@ -90,6 +90,7 @@ private:
     friend class SegmentInserter;
     friend class FloodBarrier;
     friend class LeafWalk;
+    friend class SegmentTable;
     friend KELM25D_API std::ostream& operator<<(std::ostream& stream, const ConstraintSegment2& segment);
 
     /// A graph and the way it runs along the segment.
@@ -103,7 +104,8 @@ private:
 
     static void skipLabel() noexcept;
     ConstraintInsertionStrategy getCIS() const noexcept { return cis; }
-    void setAlive(bool bAlive_) noexcept;
+    void markDead() noexcept { bAlive = false; }
+    void markAlive() noexcept { bAlive = true; }
     bool hasEnd(const Point2* pVtx) const noexcept { return p0 == pVtx || p1 == pVtx; }
     /// Whether a child has its ends in the same order along this segment: the lower one at the lower one.
     bool isParallelTo(const ConstraintSegment2* pChild) const noexcept {

@@ -1,4 +1,5 @@
-// The tree of splits of a constraint segment: owners, leaves, and the division at a vertex.
+// The tree of splits of a constraint segment, a ConstraintSegment2: owners, leaves, and the division at a
+// vertex.
 // How a segment's edge enters the mesh is in SegmentInserter.cpp.
 
 #include <kelm25d/ConstraintSegment2.h>
@@ -46,12 +47,6 @@ ConstraintSegment2::ConstraintSegment2(Point2* p0_, Point2* p1_, ConstraintInser
 
 ConstraintMgr& ConstraintSegment2::getMgr() const noexcept {
     return sOwners.front().pGraph->mgr;
-}
-
-/// Switches the segment off for a while, and on again. A divided one stays dead.
-void ConstraintSegment2::setAlive(bool bAlive_) noexcept {
-    bAlive = bAlive_;
-    getMgr().getMesh().getSegmentTable().setAlive(p0, p1, isAlive());
 }
 
 void ConstraintSegment2::skipLabel() noexcept {
@@ -146,7 +141,6 @@ bool ConstraintSegment2::divide(Point2* pSplit) {
     mgr.countDivision();
     aChild[0] = mgr.getSegment(p0, pSplit, cis);
     aChild[1] = mgr.getSegment(p1, pSplit, cis);
-    mgr.getMesh().getSegmentTable().setAlive(p0, p1, false);
     if (aChild[0]->sOwners.empty() && aChild[1]->sOwners.empty()) {
         // Two new pieces, as mostly: each owner runs along them as it does here.
         for (ConstraintSegment2* pChild : aChild) {
@@ -197,10 +191,10 @@ Point2* ConstraintSegment2::insertAndSplit(const Point2& point) {
         printError("ConstraintSegment2::insertAndSplit()", runsBackText);
         return nullptr;
     }
-    setAlive(false); // the edge counts as none while the point enters, and may be divided or flipped
+    bAlive = false; // the edge counts as none while the point enters, and may be divided or flipped
     Point2* pSplit = mesh.insertPoint(point, p0->getIncidentTriangle());
     if (pSplit == nullptr || hasEnd(pSplit) || !divide(pSplit)) {
-        setAlive(true);
+        bAlive = true;
         return pSplit != nullptr && hasEnd(pSplit) ? pSplit : nullptr;
     }
     if (!mesh.is2D()) return pSplit;
