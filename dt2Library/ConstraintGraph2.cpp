@@ -26,6 +26,8 @@ namespace {
 constexpr double nearApex = 0.001;
 constexpr double nearRatio = 0.01;
 constexpr double touchingApex = 1e-6;
+// Constraints that all but coincide may divide one another by a unit in the last place in every round.
+constexpr int maxRounds = 499;
 
 /// The one or two segments at each vertex.
 class IncidenceTable {
@@ -259,8 +261,12 @@ void ConstraintGraph2::getPolygonVertices(std::vector<Point2*>& vVerticesOut) co
 // --- Delaunay edges ---------------------------------------------------------------------------------------
 
 bool ConstraintGraph2::makeDelaunay(double minLength) {
-    bool bAllDelaunay = true;
-    for (bool bChanged = true; bChanged;) {
+    bool bAllDelaunay = true, bChanged = true;
+    for (int round = 0; bChanged; ++round) {
+        if (round == maxRounds) {
+            printWarning("ConstraintGraph2::makeDelaunay()", "insufficient numeric accuracy, giving up");
+            return false;
+        }
         bChanged = false;
         Segments vStack;
         getChildConstraintSegments(vStack);

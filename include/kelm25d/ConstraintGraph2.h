@@ -64,8 +64,9 @@ public:
     /// the constrained one. New vertices halve a piece or stand where a near vertex projects on it; heights
     /// are linear between the ends.
     /// @param minLength pieces shorter than this in space are left as they are
-    /// @return false if such a piece is no Delaunay edge. Pieces that wait for applyConstraintsAndZones, and
-    /// edges of the hull, count as Delaunay
+    /// @return false if such a piece is no Delaunay edge, and, after a warning, if constraints that all but
+    /// coincide divide one another again and again. Pieces that wait for applyConstraintsAndZones, and edges
+    /// of the hull, count as Delaunay
     bool makeDelaunay(double minLength);
 
     /// Draws the alive pieces to a PostScript file, replacing it.
