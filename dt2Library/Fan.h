@@ -17,7 +17,6 @@ public:
     explicit Fan(const Point2* pVtx_) noexcept
         : pVtx(pVtx_), pStart(pVtx_->getIncidentTriangle()), pT(pStart) {}
 
-    const Point2* getVertex() const noexcept { return pVtx; }
     /// The present triangle; null when all have been visited, and for a vertex without triangles.
     Triangle2* getTriangle() const noexcept { return pT; }
     /// The index of the vertex in it.
@@ -45,25 +44,26 @@ private:
     bool bBack = false; // on the way clockwise from the start
 };
 
-/// The hull edge that begins at a vertex of the hull: the last one clockwise in its fan, from one of its
-/// triangles on.
-inline Edge2 hullEdgeFrom(const Point2* pVtx, Triangle2* pT) noexcept {
-    int i = pT->getIntraTriangleIndex(pVtx);
-    while (Triangle2* pN = pT->getOppositeTriangle(prev(i))) {
+/// Turns around a vertex of the hull, from one of its triangles on, over the edges that side(index of the
+/// vertex) names: the last of them is a hull edge.
+template <class Side>
+Edge2 turnToHull(const Point2* pVtx, Triangle2* pT, Side side) noexcept {
+    int i = side(pT->getIntraTriangleIndex(pVtx));
+    while (Triangle2* pN = pT->getOppositeTriangle(i)) {
         pT = pN;
-        i = pT->getIntraTriangleIndex(pVtx);
+        i = side(pT->getIntraTriangleIndex(pVtx));
     }
-    return Edge2(pT, prev(i));
+    return Edge2(pT, i);
+}
+
+/// The hull edge that begins at a vertex of the hull: the last one clockwise in its fan.
+inline Edge2 hullEdgeFrom(const Point2* pVtx, Triangle2* pT) noexcept {
+    return turnToHull(pVtx, pT, [](int i) { return prev(i); });
 }
 
 /// The hull edge that ends at a vertex of the hull: the last one counterclockwise in its fan.
 inline Edge2 hullEdgeInto(const Point2* pVtx, Triangle2* pT) noexcept {
-    int i = pT->getIntraTriangleIndex(pVtx);
-    while (Triangle2* pN = pT->getOppositeTriangle(next(i))) {
-        pT = pN;
-        i = pT->getIntraTriangleIndex(pVtx);
-    }
-    return Edge2(pT, next(i));
+    return turnToHull(pVtx, pT, [](int i) { return next(i); });
 }
 
 } // namespace QUOR_KELM25D

@@ -2,7 +2,7 @@
 // How far it goes is up to the loop that runs it; a flood that stops at constraints is FloodBarrier.
 //
 // It goes breadth first. A triangle is fetched when it is reached, long before its turn: so the loop meets it
-// in the cache, which makes a large flood more than twice as fast.
+// in the cache.
 #pragma once
 
 #include "AddressSet.h"

@@ -3,7 +3,6 @@
 
 #include "Mesh2.h"
 
-#include "MeshListener.h"
 #include "measures.h"
 #include "messages.h"
 
@@ -41,12 +40,6 @@ bool Mesh2::isBroken(const char* where) const {
                    "the triangles imported are no triangulation, they can only be read, drawn and saved");
     }
     return bBroken;
-}
-
-void Mesh2::tellDivided(ConstraintSegment2* pSegment, Point2* pSplit) const {
-    for (MeshListener* pListener : vListeners) {
-        pListener->onEdgeDivided(pSegment, pSplit);
-    }
 }
 
 // --- single points ----------------------------------------------------------------------------------------

@@ -159,7 +159,13 @@ private:
     bool startTriangulation(std::size_t numPreExistingVtx);
     void coverBox(const Bbox2& added);
     Triangle2* takeTriangle();
-    void tellDivided(ConstraintSegment2* pSegment, Point2* pSplit) const;
+    /// Tells all listeners of an event.
+    template <class... Arguments>
+    void tell(void (MeshListener::*event)(Arguments...), Arguments... arguments) const {
+        for (MeshListener* pListener : vListeners) {
+            (pListener->*event)(arguments...);
+        }
+    }
 
     // --- Mesh2_bulk.cpp ------------------------------------------------------------------------------------
 

@@ -8,6 +8,7 @@
 #include "Mesh2.h"
 
 #include "Fan.h"
+#include "MeshListener.h"
 
 #include <algorithm>
 #include <cmath>
@@ -72,7 +73,7 @@ Triangle2* Mesh2::insertVertex(Point2* q, Triangle2* pStart) {
     Triangle2* pNew0 = takeTriangle();
     Triangle2* pNew1 = takeTriangle();
     Triangle2* pKept = inserter.insertInside(location, q, pNew0, pNew1, !bImportMode);
-    if (pDivided != nullptr) tellDivided(pDivided, q);
+    if (pDivided != nullptr) tell(&MeshListener::onEdgeDivided, pDivided, q);
     return pKept;
 }
 
@@ -103,7 +104,8 @@ Triangle2* Mesh2::splitHullEdge(Triangle2* pT, Point2* q, int edgeIdx) {
     Point2 *a = pT->getCorner(edgeIdx), *b = pT->getCorner(next(edgeIdx)), *k = pT->getCorner(prev(edgeIdx));
     Triangle2 *pOutAB = pT->getOppositeTriangle(prev(edgeIdx)),
               *pOutKA = pT->getOppositeTriangle(next(edgeIdx));
-    if (ConstraintSegment2* pCSeg = segmentTable.getSegment(pT, edgeIdx)) tellDivided(pCSeg, q);
+    if (ConstraintSegment2* pCSeg = segmentTable.getSegment(pT, edgeIdx))
+        tell(&MeshListener::onEdgeDivided, pCSeg, q);
     Triangle2* pTn = createTriangle(q, k, a);
     pT->setPropertiesAndOppT(q, a, b, pOutAB, nullptr, pTn);
     pTn->setPropertiesAndOppT(q, k, a, pOutKA, pT, nullptr);

@@ -35,9 +35,7 @@ void Mesh2::remove(Point2* pVtx) {
         std::cerr << *pVtx << std::endl;
         return;
     }
-    for (MeshListener* pListener : vListeners) {
-        pListener->onRemoval(pVtx);
-    }
+    tell(&MeshListener::onRemoval, pVtx);
     vertexVault.sortIfNeeded(true);
     const bool bOwn = vertexVault.isActive(pVtx); // and not a vertex of another triangulation
     if (bOwn && !is2D()) {
@@ -100,9 +98,7 @@ Triangle2* Mesh2::flipEar(const Point2* pVtx, Triangle2* pT) {
 }
 
 void Mesh2::reportWatchDog(const Point2* pVtx, int degree) const {
-    for (MeshListener* pListener : vListeners) {
-        pListener->onRemovalStuck(pVtx);
-    }
+    tell(&MeshListener::onRemovalStuck, pVtx);
     std::cout << "vUmbrellaT.size()=" << degree << std::endl;
     KELM_CHECK(false);
 }
@@ -142,9 +138,7 @@ void Mesh2::remove(Point2* pVtx, bool bDeactivate) {
         dissolveFan(pVtx);
         if (numberOfTriangles() == 0) {
             vertexVault.setFullDimensional(false);
-            for (MeshListener* pListener : vListeners) {
-                pListener->onAllEdgesLost();
-            }
+            tell(&MeshListener::onAllEdgesLost);
         }
         repairDelaunay(vFlipped);
     }
